@@ -1,0 +1,59 @@
+// The system, the environment, the clock.
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+
+#include <unistd.h>
+
+#include "base/text.h"
+#include "platform/platform.h"
+#include "platform/posix/native_path.h"
+
+static constexpr uint32_t DEFAULT_SYSTEM_VERSION = 10;
+
+uint32_t systemMajorVersion() {
+    char path[NATIVE_PATH_SIZE];
+    FILE* file = hostPath("os-version", path) ? openFile(path, OPEN_READ_TEXT) : nullptr;
+    if (file == nullptr) {
+        return DEFAULT_SYSTEM_VERSION;
+    }
+    char text[64] = "";
+    text[readText(file, text, sizeof text - 1)] = '\0';
+    fclose(file);
+    const char* number = text + strspn(text, " \t");
+    return *number >= '0' && *number <= '9' ? unsignedOf(number, 10) : 0;
+}
+
+uint32_t processNumber() {
+    return static_cast<uint32_t>(getpid());
+}
+
+int localTime(LocalTime* now) {
+    struct timespec clock;
+    struct tm parts;
+    if (clock_gettime(CLOCK_REALTIME, &clock) != 0 || localtime_r(&clock.tv_sec, &parts) == nullptr) {
+        return 1;
+    }
+    *now = {.year = parts.tm_year + 1900,
+            .month = parts.tm_mon + 1,
+            .day = parts.tm_mday,
+            .dayOfWeek = parts.tm_wday,
+            .hour = parts.tm_hour,
+            .minute = parts.tm_min,
+            .second = parts.tm_sec,
+            .millisecond = static_cast<int>(clock.tv_nsec / 1000000)};
+    return 0;
+}
+
+static const char* environmentOr(const char* name, const char* fallback) {
+    const char* value = getenv(name);
+    return value != nullptr && value[0] != '\0' ? value : fallback;
+}
+
+const char* tempDirectory() {
+    return environmentOr("TEMP", environmentOr("TMPDIR", "/tmp"));
+}
+
+const char* systemDrive() {
+    return environmentOr("SYSTEMDRIVE", "C:");
+}
