@@ -1,0 +1,16 @@
+// The places that a run works with. Set once near the start by run/paths, then only read.
+#pragma once
+
+inline constexpr int VERSION_STRING_SIZE = 32;
+inline constexpr int BIN_PATH_SIZE = 218;
+inline constexpr int WORKING_PATH_SIZE = 254;
+
+extern char versionString[VERSION_STRING_SIZE];
+extern char binPath[BIN_PATH_SIZE];           // the program's directory, with a trailing backslash
+extern char firmwarePath[WORKING_PATH_SIZE];  // the firmware files' directory, with a trailing backslash
+extern char fwMatrixPath[WORKING_PATH_SIZE];  // fwmatrix.txt
+extern char tempFilePath[WORKING_PATH_SIZE];  // takes the adapter utility's output
+
+// Looks for `name` in `directory`, which must end in a separator. 0 when it is there, 1 when not; a joined
+// text that does not fit the search is not found. `name` may hold the wildcards of a directory search.
+int fileExists(const char* name, const char* directory);

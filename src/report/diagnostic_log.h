@@ -1,0 +1,43 @@
+// The diagnostic log vlmdbg.log, on while a file of that name lies beside the program, and its settings file RM.INI.
+#pragma once
+
+#include <cstdint>
+
+#include "base/text.h"
+
+// What RM.INI says. It is read and kept; nothing depends on it.
+struct RmIniSettings {
+    uint32_t dbgMode;
+    uint32_t logMode;
+    uint32_t param01;
+    uint32_t param02;
+    uint32_t param03;
+    uint32_t param04;
+    uint32_t inSizeR;
+    uint32_t outSizeR;
+    uint32_t inSizeW;
+    uint32_t outSizeW;
+    uint8_t fillByte;
+};
+
+extern RmIniSettings rmIniSettings;
+
+// Returns 1 when a file vlmdbg.log lies beside the program, else 0.
+int isDiagnosticLogOn();
+
+// Opens RM.INI for parseRmIni. Returns 1 when it could be opened, else 0.
+int openRmIni();
+
+// Reads the open RM.INI to its end and closes it. An unknown token gets a warning on standard output.
+void parseRmIni();
+
+// Reads a world wide port name of eight pairs of hexadecimal digits, with one character of any kind between two pairs.
+// Returns 1, or 0 for a text of another length, which leaves `wwpn` as it was.
+int readWwpn(const char* text, uint8_t wwpn[8]);
+
+// One write to the log, which is opened for it and closed again: nothing written is lost by a crash, and a log that
+// disappears during the run ends the logging.
+void logPrintf(const char* format, ...) PRINTF_LIKE(1, 2);
+
+// One line, with the time and the process number in front. `text` stands for itself.
+void logLine(const char* text);

@@ -1,0 +1,27 @@
+// The Application event log: one event for each port that ended without a started download, and the registry key that
+// makes the event source known. Nothing here ends the run or changes its return code.
+#pragma once
+
+#include <cstdint>
+
+// HbaRecord::eventKind: which report ends a port's selection by fwmatrix.txt.
+enum EventKind : uint32_t {
+    EVENT_NONE = 0,
+    EVENT_NO_IMAGE = 1,    // no usable entry in fwmatrix.txt
+    EVENT_IMAGE_FILE = 2,  // the entry's file is missing or no image
+    EVENT_NOT_REQUIRED = 3,
+};
+
+// The reporters. `version` is what the port runs now, `status` a PortOutcome. A `sfjByte` of 0 adds the note that
+// secure firmware is disabled. Of `fileName` only what stands behind the last backslash is reported.
+void reportNoImageEvent(const char* portWwn, const char* version, const char* reason, uint32_t status, uint8_t sfjByte);
+void reportImageFileEvent(const char* portWwn, const char* version, const char* fileName, const char* reason,
+                          uint32_t status, uint8_t sfjByte);
+void reportNoCompatibleImageEvent(const char* portWwn, const char* version, const char* reason, uint32_t status,
+                                  uint8_t sfjByte);
+void reportNotRequiredEvent(const char* portWwn, const char* fileName, const char* version, const char* reason,
+                            uint32_t status, uint8_t sfjByte);
+
+// Registers the event source in the registry, with the directory of `programPath` as the place of its messages. What
+// fails is traced, and the next step tried all the same. Returns 0.
+int createTarnliftRegKey(const char* programPath);

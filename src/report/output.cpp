@@ -1,0 +1,47 @@
+#include "report/output.h"
+
+#include <cstdarg>
+
+#include "include/program_names.h"
+#include "include/run_options.h"
+
+FILE* logFile = nullptr;
+FILE* dbgFile = nullptr;
+
+void printOut(const char* format, ...) {
+    va_list arguments;
+    if (!runOptions.silent) {
+        va_start(arguments, format);
+        vprintf(format, arguments);
+        va_end(arguments);
+    }
+    if (logFile != nullptr) {
+        va_start(arguments, format);
+        vfprintf(logFile, format, arguments);
+        va_end(arguments);
+    }
+    fflush(stdout);
+}
+
+void printDbg(const char* format, ...) {
+    if (dbgFile == nullptr) {
+        return;
+    }
+    va_list arguments;
+    va_start(arguments, format);
+    vfprintf(dbgFile, format, arguments);
+    va_end(arguments);
+    fflush(stdout);
+}
+
+void printRaw(const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    vprintf(format, arguments);
+    va_end(arguments);
+}
+
+ReturnCode printEndingError(ReturnCode code, const char* what) {
+    printOut("\n%s: Error - %s - Return Code=%d\n\n", appName, what, code);
+    return code;
+}
