@@ -1,0 +1,279 @@
+#include "download/download_driver.h"
+
+#include <cstdio>
+#include <cstring>
+
+#include "base/text.h"
+#include "include/run_counters.h"
+#include "include/run_options.h"
+#include "include/working_paths.h"
+#include "inventory/hba_list.h"
+#include "inventory/utility_runner.h"
+#include "platform/platform.h"
+#include "report/output.h"
+#include "report/summaries.h"
+#include "report/xml_report.h"
+
+static constexpr char GOOD_REPLY[] = "NO Error";
+static constexpr char DOWNLOAD_TWICE_TEXT[] =
+    "This special firmware release requires the firmware download process to be\n"
+    "performed twice. You must reboot the system and download the same firmware\n"
+    "file again to complete the download process.\n";
+
+// The text of a reply decides between success and failure, the exit status decides which kind. The row without a
+// status of its own stands behind the others of its half.
+static constexpr ReplyMeaning replyMeanings[] = {
+    {true, 80, BOARD_REBOOT_REQUIRED, OUTCOME_REBOOT_REQUIRED},
+    {true, 87, BOARD_DOWNLOAD_TWICE, OUTCOME_DOWNLOAD_TWICE},
+    {true, 96, BOARD_ACTIVATED, OUTCOME_ACTIVATED},
+    {true, ANY_EXIT_STATUS, BOARD_DOWNLOADED, OUTCOME_SUCCEEDED},
+    {false, 89, BOARD_FAILED, OUTCOME_NO_SIGNATURE},
+    {false, 90, BOARD_FAILED, OUTCOME_INVALID_SIGNATURE},
+    {false, 92, BOARD_FAILED, OUTCOME_NOT_FOR_BOARD_MODEL},
+    {false, 98, BOARD_FAILED, OUTCOME_PROHIBITED},
+    {false, 70, BOARD_FAILED, OUTCOME_INCOMPATIBLE_IMAGE},
+    {false, 103, BOARD_FAILED, OUTCOME_INCOMPATIBLE_FLASH_PART},
+    {false, 104, BOARD_FAILED, OUTCOME_WRONG_ASIC_VERSION},
+    {false, 105, BOARD_FAILED, OUTCOME_INCOMPATIBLE_OBJECT_GENERAL},
+    {false, 106, BOARD_FAILED, OUTCOME_INCOMPATIBLE_OBJECT},
+    {false, 107, BOARD_FAILED, OUTCOME_INVALID_FILE_LENGTH},
+    {false, ANY_EXIT_STATUS, BOARD_FAILED, OUTCOME_FAILED},
+};
+
+const ReplyMeaning* meaningOfReply(bool noError, int exitStatus) {
+    const ReplyMeaning* row = replyMeanings;
+    while (row->noError != noError || (row->exitStatus != exitStatus && row->exitStatus != ANY_EXIT_STATUS)) {
+        row++;
+    }
+    return row;
+}
+
+// What a later port of a board reports, by the board's result. The last row holds for every other result.
+struct InheritedResult {
+    BoardResult boardResult;
+    PortOutcome outcome;
+    bool succeeded;
+};
+
+static constexpr InheritedResult inheritedResults[] = {
+    {BOARD_DOWNLOADED, OUTCOME_SUCCEEDED, true},
+    {BOARD_REBOOT_REQUIRED, OUTCOME_REBOOT_REQUIRED, true},
+    {BOARD_DOWNLOAD_TWICE, OUTCOME_DOWNLOAD_TWICE, true},
+    {BOARD_ACTIVATED, OUTCOME_ACTIVATED, true},
+    {BOARD_FAILED, OUTCOME_FAILED, false},
+};
+
+void makeDownloadCommand(const HbaRecord* hba, const char* filename, char* out) {
+    formatText(out, DOWNLOAD_COMMAND_SIZE, "download n=%d i=\"%s%s\"", hba->adapterNumber, firmwarePath, filename);
+}
+
+static void appendToRow(HbaRecord* hba, const char* text) {
+    appendText(hba->downloadRow, sizeof hba->downloadRow, text);
+}
+
+static void makeRow(HbaRecord* hba, const CLUImage* image) {
+    formatDownloadRow(hba->downloadRow, hba, image->decodedVersion, "Firmware", hba->fwVersion, image->filename);
+}
+
+static void reportResult(const HbaRecord* hba, const CLUImage* image, bool updated) {
+    if (runOptions.xml) {
+        xmlWriteVersionChange(updated ? "true" : "false", hba->fwVersion, image->decodedVersion, hba->fwDownloadStatus);
+    }
+}
+
+static void printRow(const HbaRecord* hba) {
+    if (!runOptions.xml) {
+        printDownloadRow(hba);
+    }
+}
+
+static bool canOpen(const char* filename) {
+    char path[DOWNLOAD_COMMAND_SIZE];
+    formatText(path, sizeof path, "%s%s", firmwarePath, filename);
+    FILE* file = openFile(path, OPEN_READ_BINARY);
+    if (file == nullptr) {
+        return false;
+    }
+    fclose(file);
+    return true;
+}
+
+// The image has gone. The result stays with this port; the others of its board try for themselves.
+static int failUnopened(HbaRecord* hba, const CLUImage* image) {
+    makeRow(hba, image);
+    runCounters.downloadFailCount++;
+    if (isGrpAdapter(hba)) {
+        hba->downloadStat = BOARD_FAILED;
+        runCounters.boardFailCount++;
+    }
+    hba->fwDownloadStatus = OUTCOME_IMAGE_NOT_OPENED;
+    if (runOptions.xml) {
+        reportResult(hba, image, false);
+    } else {
+        appendToRow(hba, "Error: unable to open firmware image!\n");
+        printOut("%s", hba->downloadRow);
+    }
+    return 1;
+}
+
+static uint16_t runDownload(const char* command) {
+    uint16_t exitStatus = 0;
+    printDbg("\n[Executing utility FW download command]\n");
+    printDbg("%s\n", command);
+    int tempFileStatus = executeUtilityCommand(command, utilityOutput, &exitStatus);
+    if (tempFileStatus != 0) {
+        printDbg("executeFwDownload: executeUtilityCommand failed status %d\n", tempFileStatus);
+    }
+    return exitStatus;
+}
+
+static void countResult(const ReplyMeaning* meaning, bool grpAdapter) {
+    if (!meaning->noError) {
+        runCounters.downloadFailCount++;
+    }
+    if (!grpAdapter) {
+        return;
+    }
+    switch (meaning->boardResult) {
+    case BOARD_FAILED:
+        runCounters.boardFailCount++;
+        break;
+    case BOARD_DOWNLOAD_TWICE:
+        runCounters.twiceCount++;
+        break;
+    case BOARD_DOWNLOADED:
+    case BOARD_ACTIVATED:
+        runCounters.boardNoRebootCount++;
+        break;
+    default:
+        break;
+    }
+}
+
+// Turns the utility's reply into the port's outcome. Returns 0 when it was a success, else 1.
+static int takeReply(HbaRecord* hba, const CLUImage* image, uint16_t exitStatus) {
+    bool grpAdapter = isGrpAdapter(hba) != 0;
+    bool noError = strstr(utilityOutput, GOOD_REPLY) != nullptr;
+    // Outside the .grp families a success has but one form.
+    const ReplyMeaning* meaning = meaningOfReply(noError, grpAdapter || !noError ? exitStatus : ANY_EXIT_STATUS);
+    if (grpAdapter) {
+        hba->downloadStat = meaning->boardResult;
+    }
+    hba->fwDownloadStatus = meaning->outcome;
+    countResult(meaning, grpAdapter);
+    appendToRow(hba, noError ? "Success" : "Error");
+    reportResult(hba, image, noError);
+    return noError ? 0 : 1;
+}
+
+static int takePreview(HbaRecord* hba, const CLUImage* image) {
+    hba->downloadStat = BOARD_DOWNLOADED;
+    hba->fwDownloadStatus = OUTCOME_PREVIEW_SUCCEEDED;
+    appendToRow(hba, "Preview");
+    reportResult(hba, image, true);
+    return 0;
+}
+
+static int downloadForBoard(HbaRecord* hba, const CLUImage* image, const char* command) {
+    int result = 0;
+    if (runOptions.preview) {
+        printDbg("fw download   = preview\n");
+        makeRow(hba, image);
+        result = takePreview(hba, image);
+    } else {
+        uint16_t exitStatus = runDownload(command);
+        makeRow(hba, image);
+        result = takeReply(hba, image, exitStatus);
+    }
+    if (isGrpAdapter(hba)) {
+        updateCNAdownloadStatus(hba);
+    }
+    if (runCounters.twiceCount != 0) {
+        appendToRow(hba, DOWNLOAD_TWICE_TEXT);
+    }
+    printRow(hba);
+    return result;
+}
+
+static bool isOwnFailure(uint8_t outcome) {
+    for (const ReplyMeaning& row : replyMeanings) {
+        if (!row.noError && row.exitStatus != ANY_EXIT_STATUS && row.outcome == outcome) {
+            return true;
+        }
+    }
+    return false;
+}
+
+static const InheritedResult* inheritedResult(uint32_t downloadStat) {
+    const InheritedResult* row = inheritedResults;
+    while (row->boardResult != downloadStat && row->succeeded) {
+        row++;
+    }
+    return row;
+}
+
+static uint8_t inheritedOutcome(const HbaRecord* hba, const InheritedResult* inherited) {
+    if (runOptions.preview && inherited->boardResult == BOARD_DOWNLOADED) {
+        return OUTCOME_PREVIEW_SUCCEEDED;
+    }
+    if (runOptions.preview && !inherited->succeeded) {
+        return OUTCOME_PREVIEW_FAILED;
+    }
+    if (!inherited->succeeded && isOwnFailure(hba->fwDownloadStatus)) {
+        return hba->fwDownloadStatus;
+    }
+    return inherited->outcome;
+}
+
+static void printSkipping(const HbaRecord* hba) {
+    printDbg("Skipping adapter...\n");
+    printDbg("currentHba adapterNumber = %d\n", hba->adapterNumber);
+    printDbg("currentHba serialNumber  = %s\n", hba->serialNumber);
+    printDbg("currentHba busNumber     = %X\n", hba->busNumber);
+    printDbg("currentHba domain        = %X\n", hba->domain);
+    printDbg("currentHba downloadStat  = %X\n\n", hba->downloadStat);
+}
+
+// Reports for a port what an earlier port of its board got.
+static int inheritDownload(HbaRecord* hba, const CLUImage* image) {
+    const InheritedResult* inherited = inheritedResult(hba->downloadStat);
+    runCounters.boardDownloadCount--;
+    makeRow(hba, image);
+    hba->fwDownloadStatus = inheritedOutcome(hba, inherited);
+    bool previewed =
+        hba->fwDownloadStatus == OUTCOME_PREVIEW_SUCCEEDED || hba->fwDownloadStatus == OUTCOME_PREVIEW_FAILED;
+    appendToRow(hba, previewed ? "Preview" : inherited->succeeded ? "Success" : "Error");
+    if (inherited->boardResult == BOARD_DOWNLOAD_TWICE) {
+        appendToRow(hba, "\n");
+        appendToRow(hba, DOWNLOAD_TWICE_TEXT);
+    }
+    if (!inherited->succeeded) {
+        runCounters.downloadFailCount++;
+        runCounters.boardFailCount++;
+    }
+    reportResult(hba, image, inherited->succeeded);
+    printRow(hba);
+    printSkipping(hba);
+    return inherited->succeeded ? 0 : 1;
+}
+
+int executeFwDownload(HbaRecord* hba, const CLUImage* image) {
+    runCounters.downloadAttemptCount++;
+    if (isGrpAdapter(hba)) {
+        runCounters.boardDownloadCount++;
+    }
+    hba->downloadAttempted = 1;
+    if (!canOpen(image->filename)) {
+        return failUnopened(hba, image);
+    }
+    char command[DOWNLOAD_COMMAND_SIZE];
+    makeDownloadCommand(hba, image->filename, command);
+    if (isGrpAdapter(hba) && hba->downloadStat != BOARD_NOT_DOWNLOADED) {
+        return inheritDownload(hba, image);
+    }
+    return downloadForBoard(hba, image, command);
+}
+
+int downloadFirmware(HbaRecord* hba, const CLUImage* image) {
+    return executeFwDownload(hba, image);
+}

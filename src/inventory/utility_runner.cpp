@@ -1,0 +1,161 @@
+#include "inventory/utility_runner.h"
+
+#include <cstdio>
+#include <cstring>
+
+#include "base/text.h"
+#include "include/program_names.h"
+#include "include/run_options.h"
+#include "include/working_paths.h"
+#include "platform/platform.h"
+#include "report/diagnostic_log.h"
+#include "report/output.h"
+
+char utilityOutput[UTILITY_OUTPUT_SIZE];
+
+static constexpr size_t COMMAND_LINE_SIZE = 762;
+static constexpr size_t REPLY_LINE_SIZE = 256;
+
+// Makes the command line. The outer marks belong to the command interpreter, which takes them off; the inner ones keep
+// a path with blanks together. Returns 0 when it does not fit.
+static int makeCommandLine(char* command, const char* args) {
+    if (formatText(command, COMMAND_LINE_SIZE, "\"\"%s%s\" %s > %s\"", binPath, cliUtilName, args, tempFilePath)) {
+        return 1;
+    }
+    printDbg("Command line of the adapter utility is too long, not executed\n");
+    return 0;
+}
+
+static void printExecuting(const char* command) {
+    if (runOptions.verbose) {
+        printOut("\n%s:  executing command : %s\n", appName, command);
+    }
+}
+
+static void printComplete(uint16_t status, int tempFileStatus) {
+    char line[128];
+    formatText(line, sizeof line, "\n%s : Command complete - Command Return Code = %d - Temp File Status = %d\n\n",
+               appName, status, tempFileStatus);
+    if (runOptions.verbose) {
+        printOut("%s", line);
+    }
+    logPrintf("%s", line);
+}
+
+// Collects whole lines into `outBuf` for as long as they fit, and cuts the last line's end.
+static void collectReply(FILE* file, char* outBuf) {
+    char line[REPLY_LINE_SIZE];
+    size_t used = 0;
+    while (readTextLine(file, line, sizeof line)) {
+        size_t length = strlen(line);
+        size_t room = UTILITY_OUTPUT_SIZE - used - 1;
+        if (length >= room) {
+            break;
+        }
+        copyText(outBuf + used, room, line);
+        used += length;
+    }
+    if (used > 0) {
+        outBuf[used - 1] = '\0';
+    }
+}
+
+static int executeSystemCommand(const char* command, char* outBuf, uint16_t* returnStatus) {
+    printExecuting(command);
+    logPrintf("%s:  executing command : %s\n", appName, command);
+    *returnStatus = static_cast<uint16_t>(runCommand(command));
+    printDbg("Raw     returnStatus = %d\n", *returnStatus);
+    printDbg("Shifted returnStatus = %d\n", *returnStatus);
+
+    int tempFileStatus = TEMP_FILE_NOT_OPENED;
+    FILE* file = openFile(tempFilePath, OPEN_READ_TEXT);
+    if (file != nullptr) {
+        tempFileStatus = TEMP_FILE_READ;
+        collectReply(file, outBuf);
+        fclose(file);
+    }
+    if (runOptions.verbose) {
+        printOut("\n");
+        printOut("%s", outBuf);
+    }
+    printComplete(*returnStatus, tempFileStatus);
+    int removal = removeFile(tempFilePath);
+    if (removal != 0) {
+        printDbg("executeSystemCommand: remove failed status %d\n", removal);
+    }
+    return tempFileStatus;
+}
+
+static int executeSystemCommandToFile(const char* command, uint16_t* returnStatus) {
+    printExecuting(command);
+    *returnStatus = static_cast<uint16_t>(runCommand(command));
+    printDbg("Raw returnStatus = %d\n", *returnStatus);
+    printDbg("returnStatus = %d\n", *returnStatus);
+
+    int tempFileStatus = TEMP_FILE_NOT_OPENED;
+    FILE* file = openFile(tempFilePath, OPEN_READ_TEXT);
+    if (file != nullptr) {
+        tempFileStatus = TEMP_FILE_READ;
+        fclose(file);
+    }
+    printComplete(*returnStatus, tempFileStatus);
+    return tempFileStatus;
+}
+
+int executeUtilityCommand(const char* args, char* outBuf, uint16_t* returnStatus) {
+    char command[COMMAND_LINE_SIZE];
+    outBuf[0] = '\0';
+    *returnStatus = 1;
+    return makeCommandLine(command, args) ? executeSystemCommand(command, outBuf, returnStatus) : TEMP_FILE_NOT_OPENED;
+}
+
+int executeUtilityCommandToFile(const char* args, uint16_t* returnStatus) {
+    char command[COMMAND_LINE_SIZE];
+    utilityOutput[0] = '\0';
+    *returnStatus = 1;
+    return makeCommandLine(command, args) ? executeSystemCommandToFile(command, returnStatus) : TEMP_FILE_NOT_OPENED;
+}
+
+static FILE* openTempFile() {
+    FILE* file = openFile(tempFilePath, OPEN_READ_TEXT);
+    if (file == nullptr) {
+        printDbg("Could not open the temp file\n");
+    }
+    return file;
+}
+
+int getCharacterCountFromTempFile(uint32_t* count) {
+    printDbg("\n[getCharacterCountFromTempFile]\nOpening the temp file\n");
+    FILE* file = openTempFile();
+    if (file == nullptr) {
+        return TEMP_TEXT_FAILED;
+    }
+    printDbg("Calculating the temp file character count\n");
+    char chunk[4096];
+    *count = 0;
+    for (size_t length; (length = readText(file, chunk, sizeof chunk)) > 0;) {
+        *count += static_cast<uint32_t>(length);
+    }
+    fclose(file);
+    printDbg("Character count = %d\n", *count);
+    return *count == 0 ? TEMP_TEXT_FAILED : TEMP_TEXT_READ;
+}
+
+int getBufferDataFromTempFile(char* buffer, uint32_t count) {
+    printDbg("\n[getBufferDataFromTempFile]\nOpening the temp file\n");
+    FILE* file = openTempFile();
+    if (file == nullptr) {
+        return TEMP_TEXT_FAILED;
+    }
+    size_t length = readText(file, buffer, static_cast<size_t>(count) + 1);
+    fclose(file);
+    if (length > 0) {
+        buffer[length - 1] = '\0';
+    }
+    if (runOptions.verbose) {
+        printOut("%s\n", buffer);
+    }
+    printDbg("%s\n", buffer);
+    printDbg("Output length = %d\n", static_cast<int>(strlen(buffer)));
+    return TEMP_TEXT_READ;
+}

@@ -1,0 +1,68 @@
+#include "run/port.h"
+
+#include <cstring>
+
+#include "download/download_status.h"
+#include "include/run_counters.h"
+#include "include/run_options.h"
+#include "inventory/hba_list.h"
+#include "report/diagnostic_log.h"
+#include "report/output.h"
+#include "report/summaries.h"
+#include "report/xml_report.h"
+#include "selection/auto_selection.h"
+#include "selection/matrix_selection.h"
+
+static void tracePort(const HbaRecord* hba) {
+    if (dbgFile == nullptr) {
+        return;
+    }
+    printDbg("\n");
+    printDbg("adapterNumber = %d\n", hba->adapterNumber);
+    printDbg("model         = %s\n", hba->model);
+    printDbg("portType      = %s\n", hba->portType);
+    printDbg("fwVersion     = %s\n", hba->fwVersion);
+    printDbg("imageType     = %d\n", hba->imageType);
+}
+
+static void queryPort(HbaRecord* hba) {
+    printDbg("operation     = query only\n");
+    logLine("operation     = query only");
+    runCounters.queryCount++;
+    if (isInvalidHba(hba)) {
+        runCounters.queryFailCount++;
+    }
+    printQueryRow(hba, "NONE", ROW_PORT);
+}
+
+static bool hasFirmwareVersion(const HbaRecord* hba) {
+    return strcmp(hba->fwVersion, "N/A") != 0 && strcmp(hba->fwVersion, "NONE") != 0;
+}
+
+// A port without a firmware version goes to no selection and moves no counter.
+static void passBy(HbaRecord* hba) {
+    printDbg("firmware version N/A!!!\n");
+    hba->fwDownloadStatus = OUTCOME_UNKNOWN_FIRMWARE_VERSION;
+    if (runOptions.xml) {
+        xmlWriteNoImageApplication(hba);
+    } else {
+        printHbaRowConsole(hba, "NONE", ROW_PORT);
+    }
+}
+
+void processPort(HbaRecord* hba) {
+    tracePort(hba);
+    if (isQueryOnly()) {
+        queryPort(hba);
+        return;
+    }
+    xmlWriteDeviceOpen(hba);
+    if (!hasFirmwareVersion(hba)) {
+        passBy(hba);
+    } else if (runOptions.autoSelect) {
+        processHbaAuto(hba);
+    } else {
+        processHbaWithFwMatrix(hba);
+    }
+    xmlCloseTag("Device", 1);
+}

@@ -1,0 +1,117 @@
+#include "selection/auto_selection.h"
+
+#include "download/download_status.h"
+#include "images/clu_image.h"
+#include "images/version_rules.h"
+#include "include/program_names.h"
+#include "include/run_counters.h"
+#include "include/run_options.h"
+#include "report/event_log.h"
+#include "report/output.h"
+#include "report/summaries.h"
+#include "report/xml_report.h"
+#include "selection/matrix_selection.h"
+
+static uint8_t sfjByte(const HbaRecord* hba) {
+    return static_cast<uint8_t>(hba->sfj & 0xFF);
+}
+
+// The highest image that fits the port, null when none does.
+static CLUImage* firstCandidate(const HbaRecord* hba) {
+    return isB1Adapter(hba) ? getFirstB1FwMatch(hba, gFirmwareImageList)
+                            : getFirstFwMatch(hba->imageType, gFirmwareImageList);
+}
+
+static void reportNotRequired(HbaRecord* hba, const CLUImage* image) {
+    setNotRequiredReason(&hba->eventReason);
+    reportNotRequiredEvent(hba->portWwn, image->filename, hba->fwImage.decodedVersion, hba->eventReason,
+                           hba->fwDownloadStatus, sfjByte(hba));
+}
+
+// No image of the directory fits. The two roads differ in the version that the report gives as the current one and in
+// the message.
+static void passWithoutCandidate(HbaRecord* hba, const char* currentVersion, const char* message) {
+    hba->fwDownloadStatus = OUTCOME_NO_COMPATIBLE_FIRMWARE;
+    if (runOptions.xml) {
+        xmlWriteSupportedImage("NONE", "NONE");
+        xmlWriteVersionChange("false", currentVersion, "NONE", OUTCOME_NO_COMPATIBLE_FIRMWARE);
+    } else {
+        printHbaRowConsole(hba, "NONE", ROW_NO_SUPPORTED_IMAGE);
+    }
+    if (runOptions.verbose) {
+        printOut("\n%s: %s found for HBA: %s\n", appName, message, hba->model);
+    }
+    hba->eventReason = "No compatible firmware image found.";
+    reportNoCompatibleImageEvent(hba->portWwn, hba->fwImage.decodedVersion, hba->eventReason, hba->fwDownloadStatus,
+                                 sfjByte(hba));
+}
+
+// forceFw, update and rewrite look at the highest image and at no other.
+static void takeHighestImage(HbaRecord* hba) {
+    printDbg("operation     = forceFw || updateFw || rewriteFw\n");
+    const CLUImage* candidate = firstCandidate(hba);
+    xmlWriteApplicationOpen(hba);
+    if (candidate != nullptr) {
+        runCounters.compatibleImageCount++;
+        printDbg("New image     = %s\n", candidate->decodedVersion);
+        isUpdateRequired(hba, candidate);
+        if (hba->fwDownloadStatus == OUTCOME_NOT_NEEDED) {
+            reportNotRequired(hba, candidate);
+        }
+    } else {
+        printDbg("New image     = NONE\n");
+        passWithoutCandidate(hba, "NONE", "No matching firmware");
+    }
+    xmlCloseTag("Application", 2);
+}
+
+// Every image of the family is at or above the port's version; `lastImage` is the lowest of them.
+static void passWithoutLowerImage(HbaRecord* hba, const CLUImage* lastImage) {
+    hba->fwDownloadStatus = OUTCOME_NOT_NEEDED;
+    if (runOptions.xml) {
+        xmlWriteSupportedImage(lastImage->decodedVersion, lastImage->filename);
+        xmlWriteVersionChange("false", hba->fwVersion, lastImage->decodedVersion, OUTCOME_NOT_NEEDED);
+    } else {
+        printHbaRowConsole(hba, lastImage->filename, ROW_SUPPORTED_IMAGE);
+    }
+    if (runOptions.verbose) {
+        printUpdateNotRequired(hba, "firmware");
+    }
+    reportNotRequired(hba, lastImage);
+}
+
+// Walks down from the highest image to the first one below the port's version and downloads that. A download that fails
+// ends the walk, too: the next lower image is not tried.
+static void walkDown(HbaRecord* hba, const CLUImage* candidate) {
+    const CLUImage* lastImage = candidate;
+    int result = UPDATE_NOT_REQUIRED;
+    while (candidate != nullptr && result == UPDATE_NOT_REQUIRED && isCompatibleImage(hba, candidate)) {
+        runCounters.compatibleImageCount++;
+        lastImage = candidate;
+        result = isUpdateRequired(hba, candidate);
+        candidate = candidate->next;
+    }
+    if (result == UPDATE_NOT_REQUIRED) {
+        passWithoutLowerImage(hba, lastImage);
+    }
+}
+
+static void takeNextLowerImage(HbaRecord* hba) {
+    xmlWriteApplicationOpen(hba);
+    printDbg("operation     = firmware downgrade\n");
+    const CLUImage* candidate = firstCandidate(hba);
+    if (candidate != nullptr) {
+        walkDown(hba, candidate);
+    } else {
+        passWithoutCandidate(hba, hba->fwVersion, "No firmware");
+    }
+    xmlCloseTag("Application", 2);
+}
+
+void processHbaAuto(HbaRecord* hba) {
+    if (runOptions.downgrade) {
+        takeNextLowerImage(hba);
+    } else if (isDownloadRun()) {
+        takeHighestImage(hba);
+    }
+}

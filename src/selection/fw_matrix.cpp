@@ -1,0 +1,167 @@
+#include "selection/fw_matrix.h"
+
+#include <cstring>
+
+#include "base/text.h"
+#include "include/run_counters.h"
+#include "include/run_options.h"
+#include "include/working_paths.h"
+#include "inventory/hba_list.h"
+#include "platform/platform.h"
+#include "report/output.h"
+
+FILE* gFwMatrixFile = nullptr;
+
+static constexpr size_t MATRIX_LINE_SIZE = 256;
+static constexpr char SEPARATORS[] = " \t\r\n";
+static constexpr char COMMENT = '/';
+static constexpr size_t SHORT_CODE_SIZE = sizeof FwMatrixModelEntry{}.shortCode;
+
+const FwMatrixModelEntry FwMatrixModelTable[MATRIX_MODEL_COUNT] = {
+    {"QVa5100", "", 0xE300, 1, 0},  {"QVa5102", "", 0xE300, 1, 0}, {"QVa5104", "", 0xE300, 1, 0},
+    {"QVa5200", "", 0xE300, 1, 0},  {"QVa5202", "", 0xE300, 1, 0}, {"QVm5205", "", 0xE300, 1, 1},
+    {"QVa6100", "", 0xF400, 1, 0},  {"QVa6102", "", 0xF400, 1, 0}, {"QVa6104", "", 0xF400, 1, 0},
+    {"QVa6200", "", 0xF400, 1, 0},  {"QVa6202", "", 0xF400, 1, 0}, {"QVa6204", "", 0xF400, 1, 0},
+    {"QVa7100", "", 0xF500, 1, 0},  {"QVa7102", "", 0xF500, 1, 0}, {"QVa7104", "", 0xF500, 1, 0},
+    {"QVa7104S", "", 0xF600, 1, 0},
+};
+
+int openFwMatrix() {
+    if (runOptions.autoSelect) {
+        return RETURN_SUCCEEDED;
+    }
+    gFwMatrixFile = openFile(fwMatrixPath, OPEN_READ_TEXT);
+    if (gFwMatrixFile == nullptr) {
+        return printEndingError(RETURN_ALL_FAILED, "fwmatrix update table not found");
+    }
+    return RETURN_SUCCEEDED;
+}
+
+int lookupFwMatrixModel(const char* type, char* shortCode) {
+    copyText(shortCode, SHORT_CODE_SIZE, "XX");
+    for (const FwMatrixModelEntry& entry : FwMatrixModelTable) {
+        if (equalsIgnoringCase(entry.modelName, type)) {
+            copyText(shortCode, SHORT_CODE_SIZE, entry.shortCode);
+            return 0;
+        }
+    }
+    return 1;
+}
+
+void printFwMatrixMatch(const HbaRecord* hba, const char* matrixType) {
+    if (dbgFile == nullptr) {
+        return;
+    }
+    printDbg("[FW matrix match]\n");
+    printDbg("HBA Model      = %s\n", hba->model);
+    printDbg("Tarnlift Type  = %s\n", hba->fwMatrixType);
+    printDbg("FW Matrix Type = %s\n", matrixType);
+}
+
+// Every scan starts here. Returns true when the table stands at its start.
+static bool startScan() {
+    if (fseek(gFwMatrixFile, 0, SEEK_SET) == 0) {
+        return true;
+    }
+    printDbg("fseek failed. Unable to open fwmatrix\n");
+    return false;
+}
+
+// The entry check reads its token from the very first column, up to the first byte that is no printable ASCII
+// character: other than the match scan it takes no leading blanks.
+static size_t checkedTokenLength(const char* line) {
+    size_t length = 0;
+    while (static_cast<signed char>(line[length]) > 0x20) {
+        length++;
+    }
+    return length;
+}
+
+void verifyFWmatrixEntries() {
+    if (runOptions.autoSelect) {
+        return;
+    }
+    printDbg("\n[verifyFWmatrixEntries]\n");
+    if (!startScan()) {
+        return;
+    }
+    char line[MATRIX_LINE_SIZE];
+    char token[MATRIX_TOKEN_SIZE];
+    char shortCode[SHORT_CODE_SIZE];
+    while (readTextLine(gFwMatrixFile, line, sizeof line)) {
+        if (line[0] == COMMENT) {
+            continue;
+        }
+        size_t length = checkedTokenLength(line);
+        copyPiece(token, sizeof token, line, length);
+        if (length < sizeof token && lookupFwMatrixModel(token, shortCode) == 0) {
+            printDbg("Found known fwmatrix.txt entry   = %s\n", token);
+            continue;
+        }
+        if (runOptions.verbose) {
+            printOut("Found unknown fwmatrix.txt entry = %s\n", token);
+        }
+        printDbg("Found unknown fwmatrix.txt entry = %s\n", token);
+    }
+}
+
+// Takes the next token of a line into `out`, or what stands for one that is absent or too long. Returns what is behind.
+static const char* takeToken(const char* line, char out[MATRIX_TOKEN_SIZE]) {
+    line += strspn(line, SEPARATORS);
+    size_t length = strcspn(line, SEPARATORS);
+    if (length == 0) {
+        copyText(out, MATRIX_TOKEN_SIZE, MATRIX_NO_FILE);
+    } else if (length >= MATRIX_TOKEN_SIZE) {
+        copyText(out, MATRIX_TOKEN_SIZE, MATRIX_INVALID_FILE);
+    } else {
+        copyPiece(out, MATRIX_TOKEN_SIZE, line, length);
+    }
+    return line + length;
+}
+
+// Reads one line of the match scan. Returns true when it is an entry for the port.
+static bool matchLine(const HbaRecord* hba, const char* line, char* fwFile, char* bcFile) {
+    char matrixType[MATRIX_TOKEN_SIZE];
+    line += strspn(line, SEPARATORS);
+    if (*line == '\0' || *line == COMMENT) {
+        return false;
+    }
+    line = takeToken(line, matrixType);
+    if (!isGrpAdapter(hba)) {
+        matrixType[strcspn(matrixType, "-")] = '\0';
+    }
+    if (!equalsIgnoringCase(hba->fwMatrixType, matrixType)) {
+        return false;
+    }
+    printFwMatrixMatch(hba, matrixType);
+    runCounters.knownHbaCount++;
+    line = takeToken(line, fwFile);
+    if (isGrpAdapter(hba)) {
+        copyText(bcFile, MATRIX_TOKEN_SIZE, MATRIX_NO_FILE);
+    } else {
+        takeToken(line, bcFile);
+    }
+    printDbg("fwmatrixFwFile = %s\n", fwFile);
+    printDbg("fwmatrixBcFile = %s\n", bcFile);
+    return true;
+}
+
+int getFwMatrixMatch(const HbaRecord* hba, char* fwFile, char* bcFile) {
+    copyText(fwFile, MATRIX_TOKEN_SIZE, MATRIX_NO_FILE);
+    copyText(bcFile, MATRIX_TOKEN_SIZE, MATRIX_NO_FILE);
+    printDbg("[getFwMatrixMatch]\n");
+    if (!startScan()) {
+        return 0;
+    }
+    int found = 0;
+    char line[MATRIX_LINE_SIZE];
+    while (readTextLine(gFwMatrixFile, line, sizeof line)) {
+        if (matchLine(hba, line, fwFile, bcFile)) {
+            found = 1;
+        }
+    }
+    if (!found) {
+        printDbg("No match found!\n");
+    }
+    return found;
+}

@@ -1,0 +1,46 @@
+// fwmatrix.txt, the operator's table: which firmware file belongs on which adapter model. It stays open for the run and
+// is scanned anew for each port.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+
+#include "include/hba_record.h"
+
+inline constexpr size_t MATRIX_TOKEN_SIZE = 32;
+
+// What stands for a file name that the table does not give, or that is too long to be one.
+inline constexpr char MATRIX_NO_FILE[] = "NONE";
+inline constexpr char MATRIX_INVALID_FILE[] = "INVALID_FILE";
+
+// A model that the entry check knows. It gives a port no right to a firmware file, and takes none away.
+struct FwMatrixModelEntry {
+    char modelName[32];
+    char shortCode[8];
+    uint32_t deviceId;
+    uint32_t valueA;
+    uint32_t valueB;
+};
+
+inline constexpr size_t MATRIX_MODEL_COUNT = 16;
+extern const FwMatrixModelEntry FwMatrixModelTable[MATRIX_MODEL_COUNT];
+
+// The open table, null under /auto. Closed by run/cleanup.
+extern FILE* gFwMatrixFile;
+
+// Returns 0 when the table is open or not wanted, RETURN_ALL_FAILED after a message when it cannot be opened.
+int openFwMatrix();
+
+// Tells the operator which entries are for a model that FwMatrixModelTable does not have. Nothing depends on it.
+void verifyFWmatrixEntries();
+
+// Looks the port's model up. Both outputs have MATRIX_TOKEN_SIZE bytes and get a file name or one of the two words
+// above; the last line for the model decides. Returns 1 when there was a line for it, else 0.
+int getFwMatrixMatch(const HbaRecord* hba, char* fwFile, char* bcFile);
+
+// Returns 0 when the model is in FwMatrixModelTable, else 1. `shortCode` has 8 bytes and gets the model's, else "XX".
+int lookupFwMatrixModel(const char* type, char* shortCode);
+
+// Traces a match.
+void printFwMatrixMatch(const HbaRecord* hba, const char* matrixType);
