@@ -28,9 +28,8 @@ static void reportNotRequired(HbaRecord* hba, const CLUImage* image) {
                            hba->fwDownloadStatus, sfjByte(hba));
 }
 
-// No image of the directory fits. The two roads differ in the version that the report gives as the current one and in
-// the message.
-static void passWithoutCandidate(HbaRecord* hba, const char* currentVersion, const char* message) {
+// No image of the directory fits. `currentVersion` is what the report gives as the port's.
+static void reportNoCandidate(HbaRecord* hba, const char* currentVersion) {
     hba->fwDownloadStatus = OUTCOME_NO_COMPATIBLE_FIRMWARE;
     if (runOptions.xml) {
         xmlWriteSupportedImage("NONE", "NONE");
@@ -38,6 +37,9 @@ static void passWithoutCandidate(HbaRecord* hba, const char* currentVersion, con
     } else {
         printHbaRowConsole(hba, "NONE", ROW_NO_SUPPORTED_IMAGE);
     }
+}
+
+static void explainNoCandidate(HbaRecord* hba, const char* message) {
     if (runOptions.verbose) {
         printOut("\n%s: %s found for HBA: %s\n", appName, message, hba->model);
     }
@@ -51,16 +53,18 @@ static void takeHighestImage(HbaRecord* hba) {
     printDbg("operation     = forceFw || updateFw || rewriteFw\n");
     const CLUImage* candidate = firstCandidate(hba);
     xmlWriteApplicationOpen(hba);
-    if (candidate != nullptr) {
-        runCounters.compatibleImageCount++;
-        printDbg("New image     = %s\n", candidate->decodedVersion);
-        isUpdateRequired(hba, candidate);
-        if (hba->fwDownloadStatus == OUTCOME_NOT_NEEDED) {
-            reportNotRequired(hba, candidate);
-        }
-    } else {
+    if (candidate == nullptr) {
         printDbg("New image     = NONE\n");
-        passWithoutCandidate(hba, "NONE", "No matching firmware");
+        reportNoCandidate(hba, "NONE");
+        xmlCloseTag("Application", 2);
+        explainNoCandidate(hba, "No matching firmware");
+        return;
+    }
+    runCounters.compatibleImageCount++;
+    printDbg("New image     = %s\n", candidate->decodedVersion);
+    isUpdateRequired(hba, candidate);
+    if (hba->fwDownloadStatus == OUTCOME_NOT_NEEDED) {
+        reportNotRequired(hba, candidate);
     }
     xmlCloseTag("Application", 2);
 }
@@ -103,7 +107,8 @@ static void takeNextLowerImage(HbaRecord* hba) {
     if (candidate != nullptr) {
         walkDown(hba, candidate);
     } else {
-        passWithoutCandidate(hba, hba->fwVersion, "No firmware");
+        reportNoCandidate(hba, hba->fwVersion);
+        explainNoCandidate(hba, "No firmware");
     }
     xmlCloseTag("Application", 2);
 }

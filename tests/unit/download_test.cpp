@@ -1,0 +1,91 @@
+// What the utility's reply means, and how the ports of a board share it.
+#include "download/download_driver.h"
+#include "include/run_counters.h"
+#include "include/run_options.h"
+#include "inventory/hba_list.h"
+#include "unit/fixture.h"
+
+struct Download : RunTest {};
+
+TEST_F(Download, TextAndExitStatusGiveTheOutcome) {
+    const struct {
+        bool noError;
+        int exitStatus;
+        uint32_t boardResult;
+        int outcome;
+    } cases[] = {
+        {true, 80, 3, 1},    {true, 87, 4, 22},   {true, 96, 5, 29},    {true, 0, 1, 0},     {true, 92, 1, 0},
+        {false, 89, 2, 23},  {false, 90, 2, 24},  {false, 92, 2, 28},   {false, 98, 2, 30},  {false, 70, 2, 31},
+        {false, 103, 2, 32}, {false, 104, 2, 33}, {false, 105, 2, 34},  {false, 106, 2, 35}, {false, 107, 2, 36},
+        {false, 80, 2, 3},   {false, 0, 2, 3},    {false, 65535, 2, 3},
+    };
+    for (const auto& c : cases) {
+        const ReplyMeaning* meaning = meaningOfReply(c.noError, c.exitStatus);
+        EXPECT_EQ(meaning->boardResult, c.boardResult) << c.exitStatus;
+        EXPECT_EQ(meaning->outcome, c.outcome) << c.exitStatus;
+    }
+}
+
+TEST_F(Download, ALaterPortOfABoardInheritsTheResult) {
+    const struct {
+        uint32_t boardResult;
+        uint8_t outcomeBefore;
+        int preview;
+        int result, outcome, failures;
+        const char* rowEnd;
+    } cases[] = {
+        {1, 0, 0, 0, 0, 0, "Success"},   {1, 17, 1, 0, 17, 0, "Preview"},
+        {3, 1, 0, 0, 1, 0, "Success"},   {5, 29, 0, 0, 29, 0, "Success"},
+        {2, 3, 0, 1, 3, 1, "Error"},     {2, 20, 0, 1, 3, 1, "Error"},
+        {2, 28, 0, 1, 28, 1, "Error"},   {2, 36, 0, 1, 36, 1, "Error"},
+        {2, 28, 1, 1, 18, 1, "Preview"}, {4, 22, 0, 0, 22, 0, "to complete the download process.\n"},
+    };
+    write("1.2.3.4.grp", grpFile(64, "1.2.3.4"));
+    CLUImage image = fileImage(64, "1.2.3.4");
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.boardResult << " with " << int{c.outcomeBefore});
+        runCounters = {};
+        runOptions.preview = c.preview;
+        HbaRecord* hba = addPort(0xE300, "1.0.0.0");
+        hba->downloadStat = c.boardResult;
+        hba->fwDownloadStatus = c.outcomeBefore;
+        EXPECT_EQ(executeFwDownload(hba, &image), c.result);
+        EXPECT_EQ(hba->fwDownloadStatus, c.outcome);
+        EXPECT_TRUE(std::string(hba->downloadRow).ends_with(c.rowEnd)) << hba->downloadRow;
+        EXPECT_EQ(runCounters.downloadAttemptCount, 1);
+        EXPECT_EQ(runCounters.boardDownloadCount, 0);
+        EXPECT_EQ(runCounters.downloadFailCount, c.failures);
+        EXPECT_EQ(runCounters.boardFailCount, c.failures);
+    }
+}
+
+TEST_F(Download, ABoardIsSerialNumberBusAndDomain) {
+    HbaRecord* first = addPort(0xE300, "1.0.0.0", "AB1");
+    HbaRecord* same = addPort(0xF400, "1.0.0.0", "ab1");
+    HbaRecord* otherBus = addPort(0xE300, "1.0.0.0", "AB1");
+    otherBus->busNumber = 2;
+    HbaRecord* otherSerial = addPort(0xE300, "1.0.0.0", "AB12");
+    first->fwDownloadStatus = 29;
+    first->downloadStat = BOARD_ACTIVATED;
+    updateCNAdownloadStatus(first);
+    EXPECT_EQ(same->fwDownloadStatus, 29);
+    EXPECT_EQ(same->downloadStat, BOARD_ACTIVATED);
+    EXPECT_EQ(otherBus->downloadStat, BOARD_NOT_DOWNLOADED);
+    EXPECT_EQ(otherSerial->downloadStat, BOARD_NOT_DOWNLOADED);
+}
+
+TEST_F(Download, ALongRowStaysInsideItsField) {
+    write("1.2.3.4.grp", grpFile(64, "1.2.3.4"));
+    CLUImage image = fileImage(64, "1.2.3.4");
+    HbaRecord* hba = addPort(0xE300, "1.0.0.0");
+    memset(hba->model, 'M', sizeof hba->model - 1);
+    memset(hba->portWwn, 'W', sizeof hba->portWwn - 1);
+    memset(hba->portType, 'T', sizeof hba->portType - 1);
+    hba->downloadStat = BOARD_DOWNLOAD_TWICE;
+    runOptions.silent = 1;
+    for (int i = 0; i < 3; i++) {
+        EXPECT_EQ(executeFwDownload(hba, &image), 0);
+        EXPECT_LT(strlen(hba->downloadRow), sizeof hba->downloadRow);
+        EXPECT_EQ(hba->downloadStat, static_cast<uint32_t>(BOARD_DOWNLOAD_TWICE));
+    }
+}

@@ -1,0 +1,100 @@
+#include "unit/fixture.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include <unistd.h>
+
+#include "base/text.h"
+#include "images/clu_image.h"
+#include "include/run_options.h"
+#include "include/working_paths.h"
+#include "inventory/adapter_families.h"
+#include "inventory/hba_list.h"
+#include "inventory/listing_parser.h"
+#include "report/output.h"
+#include "run/cleanup.h"
+
+namespace fs = std::filesystem;
+
+RunTest::RunTest() {
+    char name[] = "/tmp/tarnlift-unit-XXXXXX";
+    directory = mkdtemp(name);
+    fs::current_path(directory);
+    setenv("TARNLIFT_HOST", (directory + "/host").c_str(), 1);
+    initGlobals();
+    runOptions.silent = 1;
+    logFile = tmpfile();
+    dbgFile = tmpfile();
+    copyText(binPath, sizeof binPath, ".\\");
+    copyText(firmwarePath, sizeof firmwarePath, ".\\");
+    copyText(tempFilePath, sizeof tempFilePath, "temp.txt");
+}
+
+RunTest::~RunTest() {
+    cleanup();
+    fs::current_path("/");
+    fs::remove_all(directory);
+}
+
+static std::string takeText(FILE* file) {
+    std::string text(static_cast<size_t>(ftell(file)), '\0');
+    rewind(file);
+    text.resize(fread(text.data(), 1, text.size(), file));
+    rewind(file);
+    EXPECT_EQ(ftruncate(fileno(file), 0), 0);
+    return text;
+}
+
+std::string RunTest::out() {
+    return takeText(logFile);
+}
+
+std::string RunTest::traces() {
+    return takeText(dbgFile);
+}
+
+void RunTest::write(const std::string& name, const std::string& content) {
+    std::ofstream(name, std::ios::binary) << content;
+}
+
+HbaRecord* RunTest::addPort(uint32_t deviceId, const char* fwVersion, const char* serialNumber) {
+    HbaRecord* hba = allocHba(1);
+    hba->deviceId = deviceId;
+    copyText(hba->fwVersion, sizeof hba->fwVersion, fwVersion);
+    copyText(hba->serialNumber, sizeof hba->serialNumber, serialNumber);
+    markHbaKnown();
+    encodeAndUpdateFCVersion(hba);
+    traces();
+    return hba;
+}
+
+std::string grpHeader(uint32_t magicNumber, uint32_t signature, const std::string& buildString) {
+    std::string header(4, '\x55');
+    for (uint32_t word : {magicNumber, signature}) {
+        for (int shift = 24; shift >= 0; shift -= 8) {
+            header += static_cast<char>(word >> shift & 0xFF);
+        }
+    }
+    header += buildString;
+    header.resize(140, '\0');
+    return header;
+}
+
+std::string grpFile(uint32_t imageType, const std::string& version) {
+    const AdapterFamily* family = familyOfImageType(imageType);
+    uint32_t signature = static_cast<uint32_t>(family->signature) << 16 | 0x0102;
+    return grpHeader(family->magicNumbers[0], signature, version + " body");
+}
+
+CLUImage fileImage(uint32_t imageType, const std::string& version, uint32_t asicRevisionId) {
+    CLUImage image = {};
+    image.imageType = imageType;
+    image.asicRevisionId = asicRevisionId;
+    copyText(image.decodedVersion, sizeof image.decodedVersion, version.c_str());
+    copyText(image.filename, sizeof image.filename, (version + ".grp").c_str());
+    encodeCNAVersion(&image.CNAMajorVer, &image.CNAMinorVer, &image.CNAReleaseVer, &image.CNABuildVer,
+                     DECODED_VERSION_SIZE, image.decodedVersion);
+    return image;
+}

@@ -1,0 +1,36 @@
+// A run's state for a test: all globals at their start, a directory of its own as the current one, and the output routes
+// on files that can be read back.
+#pragma once
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "include/hba_record.h"
+
+struct RunTest : testing::Test {
+    RunTest();
+    ~RunTest() override;
+    RunTest(const RunTest&) = delete;
+    RunTest& operator=(const RunTest&) = delete;
+
+    // What printOut and printDbg have written since the last call.
+    static std::string out();
+    static std::string traces();
+
+    // Writes a file in the test's directory, which firmwarePath and binPath name.
+    static void write(const std::string& name, const std::string& content);
+
+    // Adds a port to gHbaList.
+    static HbaRecord* addPort(uint32_t deviceId, const char* fwVersion, const char* serialNumber = "S1");
+
+    std::string directory;
+};
+
+// The 140 bytes of a .grp header.
+std::string grpHeader(uint32_t magicNumber, uint32_t signature, const std::string& buildString);
+
+// A whole image file of a family (image type 64 to 67).
+std::string grpFile(uint32_t imageType, const std::string& version);
+
+CLUImage fileImage(uint32_t imageType, const std::string& version, uint32_t asicRevisionId = 0);

@@ -1,0 +1,203 @@
+// The adapter utility's listing, from text to records.
+#include <vector>
+
+#include "include/run_counters.h"
+#include "include/run_options.h"
+#include "inventory/hba_list.h"
+#include "inventory/listing_parser.h"
+#include "unit/fixture.h"
+
+struct Listing : RunTest {};
+
+TEST_F(Listing, AValueIsOneWordBehindTheKeysColon) {
+    const struct {
+        const char* block;
+        const char* key;
+        const char* value;
+        int result;
+    } cases[] = {
+        {"HBA: 3\nModel: X Y", "Model", "X", 0},
+        {"HBA: 3\nModel:    X", "Model", "X", 0},
+        {"Port WWN: 10:00:a\n", "Port WWN", "10:00:a", 0},
+        {"Model (base name): X;Y", "Model", "X", 0},
+        {"Model: a,b", "Model", "a", 0},
+        {"Model:\nX", "Model", "N/A", 1},
+        {"Model: \tX\r\n", "Model", "\tX", 0},
+        {"Model X", "Model", "N/A", 1},
+        {"HBA: 3\nModel X", "Model", "N/A", 1},
+        {"Model X\nHBA: 3", "Model", "3", 0},
+        {"VPD Model: 1\nModel: X", "Model", "1", 0},
+        {"", "Model", "N/A", 1},
+        {"Model: 123456789", "Model", "1234567", 0},
+    };
+    for (const auto& c : cases) {
+        char value[8];
+        EXPECT_EQ(getAttribute(c.block, c.key, value, sizeof value, ':'), c.result) << c.block;
+        EXPECT_STREQ(value, c.value) << c.block;
+    }
+}
+
+TEST_F(Listing, BlocksEndTwoCharactersInFrontOfTheNext) {
+    const struct {
+        const char* text;
+        std::vector<std::string> flashParts;
+    } cases[] = {
+        {"", {}},
+        {"no adapters", {}},
+        {"title\nHBA: 1\nFlash Part: AA\n\nHBA: 2\nFlash Part: BB", {"AA", "BB"}},
+        {"HBA: 1\nFlash Part: AA\nHBA: 2\nFlash Part: BB", {"A", "BB"}},
+        {"HBA: 1\nFlash Part: AA\n\n\n\nHBA: 2", {"AA", "N/A"}},
+        {"my HBA list:\n\nHBA: 1\nFlash Part: AA", {"N/A", "AA"}},
+        {"HBAHBAHBA", {"N/A", "N/A", "N/A"}},
+    };
+    for (const auto& c : cases) {
+        freeHbaList();
+        parseListing(c.text);
+        std::vector<std::string> found;
+        for (const HbaRecord* hba = gHbaList; hba != nullptr; hba = hba->next) {
+            found.emplace_back(hba->flashPart);
+        }
+        EXPECT_EQ(found, c.flashParts) << c.text;
+        EXPECT_EQ(gHbaCount, c.flashParts.size()) << c.text;
+    }
+}
+
+TEST_F(Listing, ABlockFillsItsRecord) {
+    parseListing(
+        "HBA: 3\nPort WWN: 10:00:aa:bb:cc:dd:ee:01\nPCI Bus Number: 3B\nPCI Dev Number: 1F\nPCI Fun Number: 1\n"
+        "Model: QVa5202-M2\nDevice ID: E300\nVendor ID: 1234\nSub Device ID: E311\nSub Vendor ID: 5678\n"
+        "Multi Channel: 2\nSerial Number: ab12345678\nVPD Model: 7\nRevID: 1FF\nSFJ: -1\nChange Status: 0\n"
+        "CSF: 0\nFlash Part: FP01\nFW Version: 3.4.473.14\nBoot Version: 14.4.a.1\nBoot Enabled: 1");
+    const HbaRecord* hba = gHbaList;
+    EXPECT_EQ(hba->adapterNumber, 3U);
+    EXPECT_STREQ(hba->portWwn, "10:00:AA:BB:CC:DD:EE:01");
+    EXPECT_STREQ(hba->model, "QVa5202");
+    EXPECT_STREQ(hba->fwMatrixType, "QVa5202");
+    EXPECT_STREQ(hba->portType, "FC");
+    EXPECT_STREQ(hba->serialNumber, "AB12345678");
+    EXPECT_EQ(hba->busNumber, 0x3BU);
+    EXPECT_EQ(hba->devNumber, 0x1FU);
+    EXPECT_EQ(hba->deviceId, 0xE300U);
+    EXPECT_EQ(hba->subDeviceId, 0xE311U);
+    EXPECT_EQ(hba->vendorId, 0x1234U);
+    EXPECT_EQ(hba->subVendorId, 0x5678U);
+    EXPECT_EQ(hba->multiChannel, 2U);
+    EXPECT_EQ(hba->vpdModel, 7U);
+    EXPECT_EQ(hba->sfj, -1);
+    EXPECT_EQ(hba->fwImage.asicRevisionId, 0xFFU);
+    EXPECT_EQ(hba->imageType, 64U);
+    EXPECT_EQ(hba->fwImage.imageType, 64U);
+    EXPECT_EQ(hba->fwImage.extType, 14U);
+    EXPECT_STREQ(hba->fwImage.decodedVersion, "3.4.473.14");
+    EXPECT_EQ(hba->fwImage.CNAMajorVer, 2U);
+    EXPECT_STREQ(hba->bcVersion, "14.4.A.1");
+    EXPECT_EQ(hba->bootImage.CNABuildVer, 1U);
+    EXPECT_EQ(hba->bootEnabled, 1U);
+    EXPECT_EQ(runCounters.knownHbaCount, 1);
+}
+
+TEST_F(Listing, VersionsAndStatusFollowTheirRules) {
+    const std::string activated =
+        "The new firmware is activated. Some features require an optional reboot. Refer to the "
+        "Adapter's Firmware and Boot Code Release Notes for details.";
+    const std::string reboot = "Reboot the system to activate new firmware.";
+    const struct {
+        const char* lines;
+        std::string fwVersion, bcVersion, fwStatus;
+        uint32_t bootEnabled;
+        int32_t sfj;
+    } cases[] = {
+        {"Boot Enabled: 1", "0.0.0.0", "N/A", "N/A", 0, 0},
+        {"FW Version: n/a\nBoot Version: nonexyz\nBoot Enabled: 1", "0.0.0.0", "NONE", "N/A", 0, 0},
+        {"FW Version: none\nBoot Version: 1.2.3.4b\nBoot Enabled: 1", "NONE", "1.2.3.4B", "N/A", 1, 0},
+        {"FW Version: xN/Ax\nBoot Version: -n/a-\nBoot Enabled: 1", "0.0.0.0", "-N/A-", "N/A", 0, 0},
+        {"SFJ: 4294967295\nCSF: -1\nChange Status: 1", "0.0.0.0", "N/A", "N/A", 0, -1},
+        {"SFJ: 1\nCSF: 1\nChange Status: 0", "0.0.0.0", "N/A", activated, 0, 1},
+        {"CSF: 1\nChange Status: 1", "0.0.0.0", "N/A", reboot, 0, 0},
+        {"CSF: 0\nChange Status: 2", "0.0.0.0", "N/A", reboot, 0, 0},
+        {"CSF: 99999999999\nChange Status: 2", "0.0.0.0", "N/A", "N/A", 0, 0},
+    };
+    for (const auto& c : cases) {
+        freeHbaList();
+        parseListing((std::string("HBA: 1\n") + c.lines).c_str());
+        ASSERT_NE(gHbaList, nullptr);
+        EXPECT_EQ(gHbaList->fwVersion, c.fwVersion) << c.lines;
+        EXPECT_EQ(gHbaList->bcVersion, c.bcVersion) << c.lines;
+        EXPECT_EQ(gHbaList->fwStatus, c.fwStatus) << c.lines;
+        EXPECT_EQ(gHbaList->bootEnabled, c.bootEnabled) << c.lines;
+        EXPECT_EQ(gHbaList->sfj, c.sfj) << c.lines;
+    }
+}
+
+TEST_F(Listing, LongValuesAreCutToTheirFields) {
+    const std::string longValue(3000, 'x');
+    std::string text = "HBA: " + longValue;
+    for (const char* key :
+         {"Port WWN", "Model", "Serial Number", "Flash Part", "FW Version", "Boot Version", "Device ID"}) {
+        text += std::string("\n") + key + ": " + longValue;
+    }
+    parseListing(text.c_str());
+    const HbaRecord* hba = gHbaList;
+    EXPECT_EQ(hba->portWwn, std::string(31, 'X'));
+    EXPECT_EQ(hba->model, std::string(79, 'x'));
+    EXPECT_EQ(hba->fwMatrixType, std::string(31, 'x'));
+    EXPECT_EQ(hba->serialNumber, std::string(255, 'X'));
+    EXPECT_EQ(hba->flashPart, std::string(17, 'x'));
+    EXPECT_EQ(hba->bcVersion, std::string(31, 'X'));
+    EXPECT_EQ(hba->deviceId, 0U);
+    EXPECT_EQ(hba->imageType, 0U);
+}
+
+TEST_F(Listing, VpdKeepsTheWholeModel) {
+    for (int vpd : {0, 1}) {
+        freeHbaList();
+        runOptions.vpd = vpd;
+        parseListing("HBA: 1\nModel: X-Y-Z");
+        EXPECT_STREQ(gHbaList->model, vpd ? "X-Y-Z" : "X");
+        EXPECT_STREQ(gHbaList->fwMatrixType, vpd ? "X-Y-Z" : "X");
+    }
+}
+
+TEST_F(Listing, RecordsLinkAtBothEnds) {
+    const HbaRecord* second = allocHba(1);
+    const HbaRecord* third = allocHba(1);
+    const HbaRecord* first = allocHba(0);
+    EXPECT_EQ(gHbaList, first);
+    EXPECT_EQ(first->next, second);
+    EXPECT_EQ(second->next, third);
+    EXPECT_EQ(third->prev, second);
+    EXPECT_EQ(second->prev, first);
+    EXPECT_EQ(first->adapterNumber, 3U);
+    EXPECT_EQ(first->sfj, -1);
+}
+
+TEST_F(Listing, UnusablePortsAreKnownByWholeTexts) {
+    const struct {
+        const char* wwn;
+        const char* model;
+        const char* fwVersion;
+        const char* bcVersion;
+        int invalid;
+    } cases[] = {
+        {"10:00", "M", "1.2.3.4", "NONE", 0},
+        {"00:00:00:00:00:00:00:00", "M", "1", "1", 1},
+        {"N/A", "M", "1", "1", 1},
+        {"NONE", "M", "1", "1", 1},
+        {"10:00", "UNKNOWN_MODEL", "1", "1", 1},
+        {"10:00", "Unknown", "1", "1", 1},
+        {"10:00", "Unknown2", "1", "1", 0},
+        {"10:00", "unknown", "1", "1", 0},
+        {"10:00", "M", "N/A", "1", 1},
+        {"10:00", "M", "1", "N/A", 1},
+        {"10:00", "M", "NONE", "1", 1},
+        {"", "", "", "", 0},
+    };
+    for (const auto& c : cases) {
+        HbaRecord hba = {};
+        strcpy(hba.portWwn, c.wwn);
+        strcpy(hba.model, c.model);
+        strcpy(hba.fwVersion, c.fwVersion);
+        strcpy(hba.bcVersion, c.bcVersion);
+        EXPECT_EQ(isInvalidHba(&hba), c.invalid) << c.wwn << " " << c.model << " " << c.fwVersion;
+    }
+}

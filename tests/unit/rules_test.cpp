@@ -1,0 +1,200 @@
+// The decisions: modes by relations, with and without the second ASIC revision, over the real selection.
+#include <filesystem>
+#include <vector>
+
+#include "base/text.h"
+#include "download/download_status.h"
+#include "images/clu_image.h"
+#include "images/image_catalogue.h"
+#include "images/version_rules.h"
+#include "include/run_counters.h"
+#include "include/run_options.h"
+#include "inventory/hba_list.h"
+#include "selection/auto_selection.h"
+#include "unit/fixture.h"
+
+struct Rules : RunTest {
+    // Sets the one operation in force.
+    static void setMode(int RunOptions::*mode) {
+        runOptions.update = runOptions.rewrite = runOptions.downgrade = runOptions.forceFw = 0;
+        runOptions.*mode = 1;
+    }
+};
+
+static constexpr struct {
+    const char* name;
+    int RunOptions::*flag;
+} modes[] = {{"update", &RunOptions::update},
+             {"rewrite", &RunOptions::rewrite},
+             {"downgrade", &RunOptions::downgrade},
+             {"forceFw", &RunOptions::forceFw}};
+
+TEST_F(Rules, ADownloadIsDueByModeAndRelation) {
+    const struct {
+        uint32_t family;
+        const char* version;
+        int due[4];  // by the modes in their order
+    } candidates[] = {
+        {65, "14.2.0.1", {1, 1, 0, 1}}, {65, "14.2.0.0", {0, 1, 0, 1}}, {65, "14.1.9.9", {0, 0, 1, 1}},
+        {66, "1.0.0.0", {1, 1, 0, 1}},  {64, "99.0.0.0", {0, 0, 1, 1}},
+    };
+    CLUImage current = fileImage(65, "14.2.0.0");
+    for (const auto& c : candidates) {
+        CLUImage candidate = fileImage(c.family, c.version);
+        for (size_t m = 0; m < 4; m++) {
+            setMode(modes[m].flag);
+            EXPECT_EQ(isDownloadDue(&current, &candidate), c.due[m]) << modes[m].name << " " << c.family << c.version;
+        }
+    }
+    runOptions.forceFw = 0;
+    CLUImage newer = fileImage(65, "15.0.0.0");
+    EXPECT_EQ(isDownloadDue(&current, &newer), 0);
+    CLUImage noFamily = fileImage(0, "15.0.0.0");
+    EXPECT_EQ(isUpdateNeededCNA(&noFamily, &noFamily, 0), 4);
+    EXPECT_EQ(isUpdateNeededCNA(&noFamily, &newer, 0), 1);
+    EXPECT_EQ(isUpdateNeededCNA(nullptr, &newer, 0), 4);
+}
+
+// What /auto takes from a firmware directory: the file of the preview's row, or what is left of it.
+TEST_F(Rules, AutoTakesTheRightImageOfTheDirectory) {
+    static constexpr char none[] = "";
+    const struct {
+        const char* what;
+        uint32_t deviceId, revision;
+        const char* running;
+        uint32_t family;
+        std::vector<const char*> images;
+        const char* taken[4];  // by the modes in their order
+        int outcome;           // of a mode that takes nothing
+    } cases[] = {
+        {"newer, same and older images",
+         0xF400,
+         0,
+         "14.0.1.1",
+         65,
+         {"14.2.1.1", "14.0.1.1", "12.8.1.1"},
+         {"14.2.1.1", "14.2.1.1", "12.8.1.1", "14.2.1.1"},
+         OUTCOME_NOT_NEEDED},
+        {"port at the highest",
+         0xF400,
+         0,
+         "14.2.1.1",
+         65,
+         {"14.2.1.1", "14.0.1.1", "12.8.1.1"},
+         {none, "14.2.1.1", "14.0.1.1", "14.2.1.1"},
+         OUTCOME_NOT_NEEDED},
+        {"port above all",
+         0xF400,
+         0,
+         "14.4.1.1",
+         65,
+         {"14.2.1.1", "14.0.1.1", "12.8.1.1"},
+         {none, none, "14.2.1.1", "14.2.1.1"},
+         OUTCOME_NOT_NEEDED},
+        {"port below all",
+         0xF400,
+         0,
+         "12.8.1.1",
+         65,
+         {"14.2.1.1", "14.0.1.1", "12.8.1.1"},
+         {"14.2.1.1", "14.2.1.1", none, "14.2.1.1"},
+         OUTCOME_NOT_NEEDED},
+        {"numbers, not texts",
+         0xF400,
+         0,
+         "14.4.9.1",
+         65,
+         {"14.4.188.1"},
+         {"14.4.188.1", "14.4.188.1", none, "14.4.188.1"},
+         OUTCOME_NOT_NEEDED},
+        {"major 3 counts as 2",
+         0xF400,
+         0,
+         "2.9.0.0",
+         65,
+         {"3.0.0.0"},
+         {none, none, "3.0.0.0", "3.0.0.0"},
+         OUTCOME_NOT_NEEDED},
+        {"images of another family",
+         0xF400,
+         0,
+         "1.0.0.0",
+         66,
+         {"14.4.188.1"},
+         {none, none, none, none},
+         OUTCOME_NO_COMPATIBLE_FIRMWARE},
+        {"B1, fit and older images",
+         0xF500,
+         0x11,
+         "14.4.188.1",
+         66,
+         {"14.4.190.0", "14.4.188.1", "14.2.0.0"},
+         {"14.4.190.0", "14.4.190.0", none, "14.4.190.0"},
+         OUTCOME_NOT_NEEDED},
+        {"B1 walks down within the fit ones",
+         0xF500,
+         0x11,
+         "14.4.190.0",
+         66,
+         {"14.4.190.0", "14.4.188.1", "14.2.0.0"},
+         {none, "14.4.190.0", "14.4.188.1", "14.4.190.0"},
+         OUTCOME_NOT_NEEDED},
+        {"B1, older images only",
+         0xF500,
+         0x11,
+         "14.0.0.0",
+         66,
+         {"14.4.188.0"},
+         {none, none, none, none},
+         OUTCOME_NO_COMPATIBLE_FIRMWARE},
+        {"above B1",
+         0xF500,
+         0x12,
+         "14.0.0.0",
+         66,
+         {"14.4.190.0"},
+         {none, none, none, none},
+         OUTCOME_NO_COMPATIBLE_FIRMWARE},
+        {"below B1",
+         0xF500,
+         0x10,
+         "14.4.190.0",
+         66,
+         {"14.4.190.0", "14.2.0.0"},
+         {none, "14.4.190.0", "14.2.0.0", "14.4.190.0"},
+         OUTCOME_NOT_NEEDED},
+        {"a family without a second revision",
+         0xF600,
+         0x11,
+         "14.4.190.0",
+         67,
+         {"14.2.0.0"},
+         {none, none, "14.2.0.0", "14.2.0.0"},
+         OUTCOME_NOT_NEEDED},
+    };
+    runOptions.preview = 1;
+    runOptions.autoSelect = 1;
+    for (const auto& c : cases) {
+        for (const auto& entry : std::filesystem::directory_iterator(".")) {
+            std::filesystem::remove_all(entry);
+        }
+        for (const char* version : c.images) {
+            write(std::string(version) + ".grp", grpFile(c.family, version));
+        }
+        for (size_t m = 0; m < 4; m++) {
+            SCOPED_TRACE(std::string(c.what) + ", " + modes[m].name);
+            setMode(modes[m].flag);
+            freeHbaList();
+            HbaRecord* hba = addPort(c.deviceId, c.running);
+            hba->fwImage.asicRevisionId = c.revision;
+            ASSERT_EQ(discoverAutoFirmware(), 0);
+            processHbaAuto(hba);
+            std::string image = std::string("Image=") + c.taken[m] + ".grp,";
+            bool taken = c.taken[m][0] != '\0';
+            EXPECT_EQ(std::string(hba->downloadRow).find(image) != std::string::npos, taken) << hba->downloadRow;
+            EXPECT_EQ(hba->fwDownloadStatus, taken ? OUTCOME_PREVIEW_SUCCEEDED : c.outcome);
+            freeCLUImageList(gFirmwareImageList);
+            gFirmwareImageList = nullptr;
+        }
+    }
+}

@@ -1,0 +1,87 @@
+#include <cstring>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "base/text.h"
+#include "base/utf8.h"
+
+TEST(Text, ReadsNumbersAsA32BitUnsignedLong) {
+    const struct {
+        const char* text;
+        int base;
+        int found;
+        uint32_t value;
+    } cases[] = {
+        {"0", 10, 1, 0},
+        {"473", 10, 1, 473},
+        {"12x9", 10, 1, 12},
+        {"x", 10, 0, 0},
+        {"", 10, 0, 0},
+        {"N/A", 16, 0, 0},
+        {"\t 7", 10, 1, 7},
+        {"+7", 10, 1, 7},
+        {"-1", 10, 1, 4294967295},
+        {"- 1", 10, 0, 0},
+        {"--1", 10, 0, 0},
+        {"4294967295", 10, 1, 4294967295},
+        {"4294967296", 10, 1, 4294967295},
+        {"-4294967296", 10, 1, 4294967295},
+        {"99999999999999999999999999", 10, 1, 4294967295},
+        {"3B", 16, 1, 0x3B},
+        {"0xf500", 16, 1, 0xF500},
+        {"0x", 16, 1, 0},
+        {"f500", 10, 0, 0},
+    };
+    for (const auto& c : cases) {
+        uint32_t value = 0;
+        EXPECT_EQ(readUnsigned(c.text, c.base, &value), c.found) << c.text;
+        EXPECT_EQ(value, c.value) << c.text;
+    }
+}
+
+TEST(Text, NothingIsWrittenBehindABuffer) {
+    for (size_t size = 1; size <= 6; size++) {
+        char out[8] = "#######";
+        EXPECT_EQ(formatText(out, size, "%s", "abcd"), size > 4 ? 1 : 0) << size;
+        EXPECT_EQ(out, std::string("abcd").substr(0, size - 1)) << size;
+        EXPECT_EQ(out[size], '#') << size;
+        copyText(out, size, "");
+        appendText(out, size, "xy");
+        appendText(out, size, "z12345");
+        EXPECT_EQ(out, std::string("xyz12345").substr(0, size - 1)) << size;
+        EXPECT_EQ(out[size], '#') << size;
+    }
+}
+
+TEST(Text, OnlyAsciiLettersFold) {
+    EXPECT_TRUE(equalsIgnoringCase("QVa5202[", "qvA5202["));
+    EXPECT_FALSE(equalsIgnoringCase("a{", "a["));
+    EXPECT_FALSE(equalsIgnoringCase("\xE4", "\xC4"));
+    EXPECT_FALSE(equalsIgnoringCase("abc", "ab"));
+    EXPECT_TRUE(beginsIgnoringCase("RamDrive=x", "ramdrive"));
+    EXPECT_FALSE(beginsIgnoringCase("ram", "ramdrive"));
+}
+
+TEST(Text, KnowsWellFormedUtf8) {
+    const struct {
+        const char* text;
+        size_t length;
+    } cases[] = {
+        {"a", 1},
+        {"", 0},
+        {"\xC3\xA4", 2},
+        {"\xE2\x82\xAC", 3},
+        {"\xF0\x9F\x98\x80", 4},
+        {"\x80", 0},
+        {"\xC0\x80", 0},
+        {"\xC3", 0},
+        {"\xE0\x80\x80", 0},
+        {"\xED\xA0\x80", 0},
+        {"\xF4\x90\x80\x80", 0},
+        {"\xE2\x82", 0},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(utf8SequenceLength(c.text), c.length) << testing::PrintToString(c.text);
+    }
+}
