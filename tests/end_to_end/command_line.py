@@ -1,0 +1,135 @@
+"""What the switches do, up to the point at which the adapters are asked."""
+import unittest
+
+from machine import MachineTest, port
+
+UNKNOWN = "\ntarnlift.exe: Error - Unknown switch = {} - Return Code=4\n\n"
+MISSING = "\ntarnlift.exe: Error - Invalid use of the {} switch. This switch requires an argument - Return Code=4\n\n"
+REFUSED = "\nInvalid options: {}\ntarnlift.exe: Error - invalid switch options - Return Code=2\n\n\n"
+NO_LOG = "\ntarnlift.exe: Error - unable to open logfile {} - Return Code=4\n\n"
+BANNER = "\ntarnliftOffline v14.4.473.14 - Velmar Firmware Update Utility\n\ntarnlift.exe [/auto] [/downgrade] [/e] "
+REWRITE, DOWNGRADE = "/rewrite cannot be used with /update or /downgrade", "/downgrade cannot be used with /update or /rewrite"
+AUTO, VPD = "/auto requires an additional operational switch", "/vpd requires an additioanl operational switch"
+
+# Switches, return code, what stands in front of the help.
+WITH_HELP = [
+    ("", 0, ""), ("/?", 0, ""), ("/H", 0, ""), ("/help", 0, ""), ("/update /h", 0, ""), ("/auto", 0, ""),
+    ("/p /v /xml /vpd /ramdrive /id=x /fmd=y /a", 0, ""), ("/xv", 0, ""),
+    ("-q", 4, UNKNOWN.format("-q")), ("q", 4, UNKNOWN.format("q")), ("/autox", 4, UNKNOWN.format("/autox")),
+    ("/q=1", 4, UNKNOWN.format("/q=1")), ("/ram", 4, UNKNOWN.format("/ram")), ("/ramdrivex", 4, UNKNOWN.format("/ramdrivex")),
+    ("/ivx=a=b", 4, UNKNOWN.format("/ivx")), ("/fm=C:\\m", 4, UNKNOWN.format("/fm")), ("/idd=x", 4, UNKNOWN.format("/idd")),
+    ("/lo=x", 4, UNKNOWN.format("/lo=x")), ("/h /nosuch", 4, UNKNOWN.format("/nosuch")), ("/", 4, UNKNOWN.format("/")),
+    ("/iv", 4, MISSING.format("image version")), ("/iv==", 4, MISSING.format("image version")),
+    ("/id=", 4, MISSING.format("image directory")), ("/foo", 4, MISSING.format("fwmatrix.txt directory")),
+    ("/fmd", 4, MISSING.format("fwmatrix.txt directory")), ("/log", 4, NO_LOG.format("")),
+    ("/log=no/such.txt /q", 4, NO_LOG.format("no/such.txt")), ("/log=Z:\\no\\such.txt /q", 4, NO_LOG.format("Z:\\no\\such.txt")),
+    ("/log=a.txt /l=b.txt", 4, "\ntarnlift.exe: Error - cannot open multiple log files - Return Code=4\n\n"),
+]
+
+# Switches and the whole output of a refusal with code 2.
+WITHOUT_HELP = [
+    ("/update /rewrite", REWRITE), ("/e /down", REWRITE), ("/u /d", DOWNGRADE), ("/update /downgrade /rewrite", REWRITE),
+    ("/auto /q", AUTO), ("/auto /iv=x.grp", AUTO), ("/vpd /iv=x.grp", VPD),
+]
+
+
+class CommandLine(MachineTest):
+    def test_errors_and_requests_print_the_whole_help(self):
+        machine = self.machine()
+        _, help_text = machine.run("/?")
+        self.assertTrue(help_text.startswith(BANNER))
+        self.assertTrue(help_text.endswith("\n    /xml        XML Output - Display output in XML format.\n                \n\n\n"))
+        self.assertIn("[/xml] [/?] \n    \n                \n    /auto ", help_text)
+        self.assertIn("\n                files. Default is drive C:.\n            \n    /rewrite ", help_text)
+        self.assertEqual(help_text.count("\n"), 118)
+        for switches, code, message in WITH_HELP:
+            with self.subTest(switches):
+                self.assertEqual(machine.run(*switches.split()), (code, message + help_text))
+        self.assertEqual(machine.calls(), [])
+
+    def test_combinations_are_refused_without_help(self):
+        machine = self.machine()
+        for switches, why in WITHOUT_HELP:
+            with self.subTest(switches):
+                self.assertEqual(machine.run(*switches.split()), (2, REFUSED.format(why)))
+
+    def test_the_help_names_the_drive(self):
+        machine = self.machine()
+        for switches, env, letter in (["/h"], {"SYSTEMDRIVE": "D:"}, "D"), (["/ramdrive=x:", "/h"], {}, "x"), \
+                (["/ramdrive=", "/h"], {}, "C"), (["/nosuch"], {"SYSTEMDRIVE": "E:"}, "E"):
+            self.assertIn(f"Default is drive {letter}:.", machine.run(*switches, env=env)[1])
+
+    def test_the_machine_is_looked_at_before_the_switches(self):
+        machine = self.machine()
+        host = machine.path / "host"
+        host.mkdir()
+        (host / "registry").write_text("in the way")
+        self.assertEqual(machine.run("/?"), (8, "\ntarnlift.exe: Error - insufficient privileges - Return Code=8\n\n"))
+        (host / "os-version").write_text("6.3")
+        self.assertEqual(machine.run(), (9, "\nError - Unsupported OS detected - Return Code=9\n\n"))
+        (host / "os-version").write_text("10")
+        long_name = (4, "\ntarnlift.exe: Error - Unable to setup application paths - Return Code=4\n\n")
+        self.assertEqual(machine.run(argv0="x" * 219), long_name)
+        (host / "registry").unlink()
+        self.assertEqual(machine.run("/h", argv0="x" * 218)[0], 0)
+        self.assertEqual(list((host / "registry/HKEY_LOCAL_MACHINE/SOFTWARE").iterdir()), [])
+
+    def test_a_log_gets_what_the_user_sees_and_s_mutes_the_console_only(self):
+        machine = self.machine(port())
+        _, shown = machine.run("/q")
+        self.assertEqual(machine.run("/log=a.txt", "/q"), (0, shown))
+        self.assertEqual(machine.run("/l=a.txt", "/s", "/q"), (0, ""))
+        self.assertEqual(machine.read("cwd/a.txt"), shown + shown)
+        self.assertEqual(machine.run("/s", "/nosuch"), (4, ""))
+        self.assertTrue(machine.run("/nosuch", "/s")[1].endswith("\n\n"))
+        machine.run("/log=b.txt", "/s", "/nosuch")
+        self.assertTrue(machine.read("cwd/b.txt").startswith(UNKNOWN.format("/nosuch") + BANNER))
+
+    def test_directories_and_the_temp_file_follow_the_switches(self):
+        machine = self.machine(port())
+        for name, switches in ("fwmatrix.txt", ["/fmd=other"]), ("firmware", ["/id==other=x"]):
+            (machine.path / "cwd/other").mkdir(exist_ok=True)
+            (machine.path / name).rename(machine.path / "cwd/other" / name)
+            self.assertIn(machine.run("/q", *switches)[0] if name != "firmware" else 0, (0,))
+        _, output = machine.run("/q", "/v", "/fmd=other", "/ramdrive=R:")
+        self.assertIn("listattr /c > R:\\temp.txt\"", output)
+        self.assertEqual(list((machine.path / "host/drives/r").iterdir()), [])
+        machine.run("/q", "/xv", "/fmd=other", "/id==other=x")
+        self.assertIn("Firmware path        : other\\firmware\\\n", machine.read("cwd/dbg.log"))
+        self.assertIn("Fwmatrix.txt         : other\\fwmatrix.txt\n", machine.read("cwd/dbg.log"))
+
+    def test_a_query_without_its_table_or_adapters_ends_in_plain_text(self):
+        machine = self.machine(matrix=None)
+        no_table = "\ntarnlift.exe: Error - fwmatrix update table not found - Return Code=2\n\n\n"
+        self.assertEqual(machine.run("/q", "/xml"), (2, no_table))
+        self.assertEqual(machine.calls(), [])
+        no_adapters = "\ntarnlift.exe: Error - no supported Velmar HBAs found - Return Code=5\n\n\n"
+        self.assertEqual(machine.run("/auto", "/update", "/xml"), (5, no_adapters))
+        (machine.path / "firmware").rmdir()
+        no_directory = "\ntarnlift.exe: Error - the firmware subdirectory was not found - Return Code=6\n\n\n"
+        self.assertEqual(machine.run("/auto", "/update"), (6, no_directory))
+
+    def test_iv_shows_the_version_of_one_file(self):
+        machine = self.machine(matrix=None, images=[(66, "14.4.188.1", "a.grp")])
+        machine.image(64, "1.2.3.4", "short.grp", "--broken", "short")
+        (machine.path / "firmware/a.bin").write_text("")
+        unknown = "\ntarnlift.exe: Error - Unknown image file type - Return Code=19\n\n"
+        unreadable = "\ntarnlift.exe: Error - Unable to decode the image version - Return Code=19\n\n"
+        for name, code, output in ("a.grp", 0, "14.4.188.1\n"), ("a.bin", 19, unknown), ("short.grp", 19, unreadable), \
+                ("gone.grp", 19, unreadable):
+            self.assertEqual(machine.run(f"/iv={machine.path}/firmware/{name}", "/update"), (code, output))
+        self.assertEqual(machine.calls(), [])
+
+    def test_the_diagnostic_log_is_written_while_it_is_there(self):
+        machine = self.machine(port())
+        (machine.path / "RM.INI").write_text("NOSUCH=1\nDBG_MODE=1\n")
+        _, quiet = machine.run("/q")
+        (machine.path / "vlmdbg.log").write_text("")
+        self.assertEqual(machine.run("/q")[1], "Unkonw Token Found" + quiet)
+        head = r"\(\d\d:\d\d:\d\d\.\d{3}\) \(\d+\) "
+        self.assertRegex(machine.read("vlmdbg.log"), "^" + head + "########started execution of tarnlift########\n\n"
+                         "tarnlift.exe : Command complete - Command Return Code = 0 - Temp File Status = 0\n\n"
+                         + head + r"\[Begin execution\]" + "\n" + head + "operation     = query only\n$")
+
+
+unittest.main()

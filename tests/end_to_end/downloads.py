@@ -1,0 +1,155 @@
+"""Updates through the utility: what is called, what is shown, what is counted."""
+import unittest
+
+from machine import MachineTest, port
+
+LIST = "listattr /c"
+REBOOT = 'Firmware Status="Reboot the system to activate new firmware."'
+ACTIVATED = ('Firmware Status="The new firmware is activated. Some features require an optional reboot. Refer to the '
+             'Adapter\'s Firmware and Boot Code Release Notes for details."')
+TWICE = ("This special firmware release requires the firmware download process to be\nperformed twice. You must reboot "
+         "the system and download the same firmware\nfile again to complete the download process.\n")
+
+
+def row(number, status, model="QVa5202", image="a.grp", new="14.2.1.1", old="14.0.1.1"):
+    return (f"\nTIME\nHBA={model}, Port Type=FC, WWN=10:00:00:00:00:00:00:{number:02X},\n"
+            f"Update=Firmware, Image={image}, New={new}, Old={old}, Status={status}\n")
+
+
+def end(sentence, code, reboot=False):
+    advice = "Please reboot system to activate new firmware.\n" if reboot else ""
+    return f"\n\ntarnlift.exe: {sentence} - Return Code={code}\n\n{advice}\n"
+
+
+class Downloads(MachineTest):
+    def board(self, *scripts, **keys):
+        """A machine with one board, a port for each script."""
+        ports = [port(n, script=script, **keys) for n, script in enumerate(scripts, 1)]
+        return self.machine(*ports, matrix="QVa5202 a.grp\n", images=[(64, "14.2.1.1", "a.grp")])
+
+    def test_an_operators_way_from_query_to_nothing_left_to_do(self):
+        machine = self.machine(
+            port(1, script="@download exit=80"), port(2), port(3, "QVa6102", "F400", serial="S2"),
+            port(4, "QVa9999", "F600", serial="S3"), matrix="qva5202 a.grp\nQVa6102 b.grp\n",
+            images=[(64, "14.2.1.1", "a.grp"), (65, "14.0.1.1", "b.grp")])
+        head = "\nHBA={}, Port Type=FC, WWN=10:00:00:00:00:00:00:0{}, PCI ID={}, VID=1234, SSID=E311, SVID=1234, Firmware={}, Boot Code="
+        ports = [("QVa5202", 1, "E300"), ("QVa5202", 2, "E300"), ("QVa6102", 3, "F400"), ("QVa9999", 4, "F600")]
+        rows = "".join(head.format(*p, "14.0.1.1") + ", Boot Enabled=0, FLASH PART=FP01" for p in ports)
+        self.assertEqual(machine.run("/q"), (0, rows + end("All required queries succeeded", 0)))
+        preview = row(1, "Preview") + row(2, "Preview") + end("All required updates succeeded", 0)
+        self.assertEqual(machine.run("/p", "/update"), (0, preview))
+        self.assertEqual(machine.calls(), [LIST, LIST])
+
+        supported = "".join([
+            head.format(*ports[0], "14.0.1.1") + ", Supported Firmware=14.2.1.1, Boot Enabled=0" + row(1, "Success, " + REBOOT),
+            head.format(*ports[1], "14.0.1.1") + ", Supported Firmware=14.2.1.1, Boot Enabled=0" + row(2, "Success, " + REBOOT),
+            head.format(*ports[2], "14.0.1.1") + ", Supported Firmware=14.0.1.1, Boot Enabled=0",
+            head.format(*ports[3], "14.0.1.1") + ", Supported Firmware=NONE, Boot Enabled=0"])
+        self.assertEqual(machine.run("/q", "/update"), (0, supported + end("All required updates succeeded", 0, True)))
+        self.assertEqual(machine.calls(), [LIST, "download n=1 i=M\\firmware\\a.grp"])
+        self.assertIn(f"Firmware=14.2.1.1, Boot Code=, Boot Enabled=0, {REBOOT}, FLASH PART=FP01", machine.run("/q")[1])
+        self.assertEqual(machine.run("/update"), (1, end("No updates required", 1)))
+        self.assertEqual(list((machine.path / "temp").iterdir()), [])
+
+    def test_a_reply_gives_code_rows_and_advice(self):
+        succeeded, failed = "All required updates succeeded", "Error - all required updates failed"
+        cases = [
+            ("", "Success", 0, succeeded, False),
+            ("exit=80", "Success, " + REBOOT, 0, succeeded, True),
+            ("exit=96", "Success, " + ACTIVATED, 0, succeeded, False),
+            ("exit=92", "Success", 0, succeeded, False),
+            ("lie", "Success", 0, succeeded, False),
+            ('exit=80 reply="Error"', "Error", 2, failed, False),
+            ('exit=92 reply="not on this board"', "Error", 2, failed, False),
+            ('reply=""', "Error", 2, failed, False),
+            ("no-line-end", "Error", 2, failed, False),  # the reply's last character is cut, a line end or not
+            ('reply="no error"', "Error", 2, failed, False),
+            ("crash", "Error", 2, failed, False),
+        ]
+        for script, status, code, sentence, reboot in cases:
+            with self.subTest(script):
+                machine = self.board(f"@download {script}" if script else "", "")
+                rows = row(1, status) + row(2, status)
+                self.assertEqual(machine.run("/update"), (code, rows + end(sentence, code, reboot)))
+                self.assertEqual(machine.calls(), [LIST, "download n=1 i=M\\firmware\\a.grp"])
+
+    def test_a_release_to_be_loaded_twice_is_told_with_each_later_board(self):
+        machine = self.machine(port(1, script="@download exit=87"), port(2), port(3, serial="S2"),
+                               matrix="QVa5202 a.grp\n", images=[(64, "14.2.1.1", "a.grp")])
+        advice = ("1 adapter include a special firmware release that requires the firmware\ndownload process to be performed "
+                  "twice. Reboot the system and run tarnlift\nagain using the /f or /rewrite option to download the same "
+                  "firmware file again.\n")
+        rows = row(1, "Success" + TWICE) + row(2, "Success\n" + TWICE) + row(3, "Success" + TWICE)
+        self.assertEqual(machine.run("/update"), (0, rows + end("All required updates succeeded", 0)[:-1] + advice +
+                                                  "Please reboot system to activate new firmware.\n\n"))
+
+    def test_a_port_of_no_grp_family_shares_nothing(self):
+        machine = self.board('@download exit=80 reply="NO Error"', "@download exit=107 reply=bad", device="1111")
+        rows = row(1, "Success", new=".2.1.1") + row(2, "Error", new=".2.1.1")
+        self.assertEqual(machine.run("/ff"), (3, rows + end("Error - some required firmware downloads failed", 3)))
+        self.assertEqual(len(machine.calls()), 3)
+
+    def test_ports_without_an_image_are_failures_of_their_own_kind(self):
+        for matrix, row_text, text in [
+                ("QVa5202\n", "NONE", "No firmware entry found for HBA = QVa5202, status = FFFA0000"),
+                (f"QVa5202 {'f' * 32}\n", "NONE", "Invalid firmware entry found for HBA = QVa5202, status = FFFA0000"),
+                ("QVa5202 gone.grp\n", "NONE", "Error - invalid firmware file found for HBA = QVa5202, status = FFFA0000"),
+                ("QVa5202 none\n", "NONE", "Error - invalid firmware file found for HBA = QVa5202, status = FFFA0000"),
+                ("QVa5202 short.grp\n", "NONE", "Error - invalid firmware file found for HBA = QVa5202, status = C5"),
+                ("QVa5202 dir.grp\n", "NONE", "Error - reading firmware image for HBA = QVa5202, status = C7")]:
+            with self.subTest(matrix):
+                machine = self.machine(port(), port(2, "QVa6100", "F400", serial="S2"), matrix=matrix + "QVa6100 b.grp\n",
+                                       images=[(65, "14.2.1.1", "b.grp")])
+                machine.image(64, "1.2.3.4", "short.grp", "--broken", "short")
+                (machine.path / "firmware/dir.grp").mkdir()
+                code, output = machine.run("/q", "/v", "/update")
+                self.assertEqual(code, 3)
+                self.assertIn(f", Supported Firmware={row_text}, Boot Enabled=0\ntarnlift.exe: {text}\n", output)
+                self.assertNotIn("download n=1", "".join(machine.calls()))
+
+    def test_all_ports_without_an_image_end_in_code_7(self):
+        for matrix in "", "QVa5202\n", "QVa5202 gone.grp\n":
+            machine = self.machine(port(), matrix=matrix)
+            self.assertEqual(machine.run("/update"), (7, end("No compatible firmware found", 7)))
+
+    def test_a_lower_family_in_the_table_reaches_the_utility_which_refuses_it(self):
+        machine = self.machine(port(), matrix="QVa5202 b.grp\n", images=[(67, "1.0.0.0", "b.grp")])
+        rows = row(1, "Error", image="b.grp", new="1.0.0.0")
+        self.assertEqual(machine.run("/update"), (2, rows + end("Error - all required updates failed", 2)))
+
+    def test_a_port_without_a_firmware_version_is_passed_by(self):
+        machine = self.board("", fw="NONE")
+        code, output = machine.run("/q", "/ff")
+        self.assertIn("Firmware=, Boot Code=, Boot Enabled=0, FLASH PART=FP01\n", output)
+        self.assertEqual((code, machine.calls()), (7, [LIST]))
+
+    def test_the_summary_repeats_the_rows(self):
+        machine = self.board("")
+        _, output = machine.run("/v", "/update")
+        stars = "*" * 79 + "\n"
+        summary = "\n\n" + stars + stars + "Download Summary:\n" + row(1, "Success") + "\n\n"
+        self.assertTrue(output.endswith(row(1, "Success") + summary + end("All required updates succeeded", 0)), output)
+
+    def test_the_traces_tell_the_whole_run(self):
+        machine = self.board("", "")
+        machine.run("/xv", "/update")
+        trace = machine.read("cwd/dbg.log")
+        position = 0
+        for text in ["[Command line switches]\nauto      : 0\n", "[Directory Paths]\nFirmware path        : ", "[Temp file]\n",
+                     "\n[verifyFWmatrixEntries]\nFound known fwmatrix.txt entry   = QVa5202\n",
+                     "\n[Executing listattr command]\nRaw returnStatus = 0\nreturnStatus = 0\n",
+                     "\n[getCharacterCountFromTempFile]\nOpening the temp file\nCalculating the temp file character count\n",
+                     "\n[makeHbaList]\nDiscovered fwVersion = 14.0.1.1\n\n[makeHbaList]\nDiscovered bcVersion = NONE\n",
+                     "extType              : 14 (GRPext)\n", "\n[Discovered HBA List]\ngHbaCount     = 2\nknownHbaCount = 2\n",
+                     "\n[createTarnliftRegKey]\n", "[Begin execution]\nadapterNumber = 1\n",
+                     "\n[Using FWMATRIX.TXT]\n[getFwMatrixMatch]\n[FW matrix match]\nHBA Model      = QVa5202\n",
+                     "RM_STATUS_OK - Firmware file GRP Header pSignature is OK   = F70C\n",
+                     "\n[Update Needed]\ntrue\n\n[Executing utility FW download command]\ndownload n=1 i=",
+                     "Raw     returnStatus = 0\nShifted returnStatus = 0\n", "\n[updateCNAdownloadStatus]\n",
+                     "updatedHba fwDownloadStatus  = 0\n", "\nadapterNumber = 2\n", "Skipping adapter...\n"]:
+            found = trace.find(text, position)
+            self.assertGreaterEqual(found, 0, text)
+            position = found + len(text)
+
+
+unittest.main()
