@@ -13,6 +13,14 @@ int formatText(char* out, size_t size, const char* format, ...) {
     return length >= 0 && static_cast<size_t>(length) < size;
 }
 
+void appendFormat(char* out, size_t size, const char* format, ...) {
+    size_t length = strlen(out);
+    va_list arguments;
+    va_start(arguments, format);
+    vsnprintf(out + length, size - length, format, arguments);
+    va_end(arguments);
+}
+
 void copyPiece(char* out, size_t size, const char* text, size_t length) {
     if (length > size - 1) {
         length = size - 1;

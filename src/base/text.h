@@ -9,6 +9,9 @@
 // Formats into `out`, cutting what does not fit. Returns 1 when the whole text fitted, 0 when it was cut.
 int formatText(char* out, size_t size, const char* format, ...) PRINTF_LIKE(3, 4);
 
+// Formats behind the text in `out`, cutting what does not fit.
+void appendFormat(char* out, size_t size, const char* format, ...) PRINTF_LIKE(3, 4);
+
 // Copies `text` into `out`, cutting what does not fit.
 void copyText(char* out, size_t size, const char* text);
 

@@ -13,7 +13,7 @@
 #include "report/xml_report.h"
 
 static constexpr size_t IMAGE_TEXT_SIZE = 64;
-static constexpr size_t VERSION_TEXT_SIZE = 40;
+static constexpr size_t ROW_SIZE = 1024;  // more than all fields of a record take at their longest
 static constexpr size_t TIME_TEXT_SIZE = 64;
 static constexpr size_t DOWNLOAD_ROW_HEAD_SIZE = 321;
 static constexpr size_t VERSION_PREFIX_LENGTH = 2;  // in front of the version, outside the .grp families
@@ -25,46 +25,49 @@ static const char* shownVersion(const char* version) {
     return hasNone ? "" : version;
 }
 
-static void printBootEnabled(const HbaRecord* hba) {
-    printOut(", Boot Enabled=%d", hba->bootEnabled);
+static void appendBootEnabled(char* row, const HbaRecord* hba) {
+    appendFormat(row, ROW_SIZE, ", Boot Enabled=%d", hba->bootEnabled);
 }
 
-static void printFirmwareStatus(const HbaRecord* hba) {
+static void appendFirmwareStatus(char* row, const HbaRecord* hba) {
     if (strcmp(hba->fwStatus, "N/A") != 0) {
-        printOut(", Firmware Status=\"%s\"", hba->fwStatus);
+        appendFormat(row, ROW_SIZE, ", Firmware Status=\"%s\"", hba->fwStatus);
     }
+}
+
+static void appendSupportedImage(char* row, const char* imageName) {
+    char image[IMAGE_TEXT_SIZE];
+    copyText(image, sizeof image, imageName);
+    upperCaseInPlace(image);
+    appendFormat(row, ROW_SIZE, ", Supported Firmware=%s", image);
 }
 
 void printHbaRow(const HbaRecord* hba, const char* imageName, RowKind rowKind) {
     if (!runOptions.query) {
         return;
     }
-    char image[IMAGE_TEXT_SIZE];
-    char firmware[VERSION_TEXT_SIZE];
-    char bootCode[VERSION_TEXT_SIZE];
-    copyText(image, sizeof image, imageName);
-    upperCaseInPlace(image);
-    copyText(firmware, sizeof firmware, shownVersion(hba->fwVersion));
-    copyText(bootCode, sizeof bootCode, shownVersion(hba->bcVersion));
-    printOut("\nHBA=%s, Port Type=%s, WWN=%s, PCI ID=%04X, VID=%04X, SSID=%04X, SVID=%04X, Firmware=%s, Boot Code=%s",
-             hba->model, hba->portType, hba->portWwn, hba->deviceId, hba->vendorId, hba->subDeviceId, hba->subVendorId,
-             firmware, bootCode);
+    char row[ROW_SIZE];
+    formatText(row, sizeof row,
+               "\nHBA=%s, Port Type=%s, WWN=%s, PCI ID=%04X, VID=%04X, SSID=%04X, SVID=%04X, Firmware=%s, Boot Code=%s",
+               hba->model, hba->portType, hba->portWwn, hba->deviceId, hba->vendorId, hba->subDeviceId,
+               hba->subVendorId, shownVersion(hba->fwVersion), shownVersion(hba->bcVersion));
     switch (rowKind) {
     case ROW_PORT:
-        printBootEnabled(hba);
-        printFirmwareStatus(hba);
-        printOut(", FLASH PART=%s", hba->flashPart);
+        appendBootEnabled(row, hba);
+        appendFirmwareStatus(row, hba);
+        appendFormat(row, sizeof row, ", FLASH PART=%s", hba->flashPart);
         break;
     case ROW_SUPPORTED_IMAGE:
-        printOut(", Supported Firmware=%s", image);
-        printFirmwareStatus(hba);
-        printBootEnabled(hba);
+        appendSupportedImage(row, imageName);
+        appendFirmwareStatus(row, hba);
+        appendBootEnabled(row, hba);
         break;
     case ROW_NO_SUPPORTED_IMAGE:
-        printOut(", Supported Firmware=%s", image);
-        printBootEnabled(hba);
+        appendSupportedImage(row, imageName);
+        appendBootEnabled(row, hba);
         break;
     }
+    printOut("%s", row);
 }
 
 void printHbaRowConsole(const HbaRecord* hba, const char* imageName, RowKind rowKind) {

@@ -61,25 +61,23 @@ static SafeText safeText(const char* value) {
     return safe;
 }
 
+static constexpr int INDENT_WIDTH = 4;
+
 void xmlIndent(int level) {
     if (runOptions.xml) {
-        for (int i = 0; i < level; i++) {
-            printOut("    ");
-        }
+        printOut("%*s", level * INDENT_WIDTH, "");
     }
 }
 
 void xmlOpenTag(const char* name, int level) {
     if (runOptions.xml) {
-        xmlIndent(level);
-        printOut("<%s ", name);
+        printOut("%*s<%s ", level * INDENT_WIDTH, "", name);
     }
 }
 
 void xmlCloseTag(const char* name, int level) {
     if (runOptions.xml) {
-        xmlIndent(level);
-        printOut("</%s>\n", name);
+        printOut("%*s</%s>\n", level * INDENT_WIDTH, "", name);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "platform/posix/native_path.h"
 
+#include <cerrno>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
@@ -85,17 +86,27 @@ bool nativePath(const char* path, char* out) {
     return true;
 }
 
-bool makeDirectories(const char* path) {
-    char made[NATIVE_PATH_SIZE];
-    copyText(made, sizeof made, path);
-    for (char* slash = strchr(made + 1, '/'); slash != nullptr; slash = strchr(slash + 1, '/')) {
-        *slash = '\0';
-        mkdir(made, 0777);
-        *slash = '/';
-    }
-    mkdir(made, 0777);
+static bool isDirectory(const char* path) {
     struct stat status;
     return stat(path, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+bool makeDirectories(const char* path) {
+    // Mostly all but the last part is there.
+    if (mkdir(path, 0777) == 0) {
+        return true;
+    }
+    if (errno == ENOENT) {
+        char made[NATIVE_PATH_SIZE];
+        copyText(made, sizeof made, path);
+        for (char* slash = strchr(made + 1, '/'); slash != nullptr; slash = strchr(slash + 1, '/')) {
+            *slash = '\0';
+            mkdir(made, 0777);
+            *slash = '/';
+        }
+        mkdir(path, 0777);
+    }
+    return isDirectory(path);
 }
 
 bool nativePathForWriting(const char* path, char* out) {
