@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "include/program_names.h"
 #include "include/run_options.h"
+#include "include/version_numbers.h"
 #include "include/working_paths.h"
 #include "platform/platform.h"
 #include "report/output.h"
@@ -21,7 +22,8 @@ static constexpr char PRIVILEGE_KEY[] = "SOFTWARE\\VelmarFwupdate";
 static constexpr char MATRIX_NAME[] = "fwmatrix.txt";
 
 void printVersion() {
-    formatText(versionString, sizeof versionString, "%d.%d.%d.%d", 14, 4, 473, 14);
+    formatText(versionString, sizeof versionString, "%d.%d.%d.%d", TARNLIFT_VERSION_MAJOR,
+               TARNLIFT_VERSION_MINOR, TARNLIFT_VERSION_RELEASE, TARNLIFT_VERSION_BUILD);
 }
 
 int setupApplicationPaths(char** argv) {

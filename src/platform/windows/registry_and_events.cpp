@@ -1,0 +1,58 @@
+// Registry keys and event sources. Both kinds of handle are the system's own, under the names of the seam.
+#include <cstring>
+
+#include <windows.h>
+
+#include "platform/platform.h"
+
+static HKEY handleOf(RegistryKey* key) {
+    return reinterpret_cast<HKEY>(key);
+}
+
+static HANDLE handleOf(EventSource* source) {
+    return reinterpret_cast<HANDLE>(source);
+}
+
+static int setValue(RegistryKey* key, const char* valueName, DWORD type, const void* data, size_t size) {
+    return RegSetValueExA(handleOf(key), valueName, 0, type, static_cast<const BYTE*>(data), static_cast<DWORD>(size));
+}
+
+RegistryKey* createRegistryKey(const char* name, RegistryAccess access) {
+    REGSAM rights = access == REGISTRY_ALL ? KEY_ALL_ACCESS : KEY_WRITE;
+    HKEY key = nullptr;
+    if (RegCreateKeyExA(HKEY_LOCAL_MACHINE, name, 0, nullptr, 0, rights, nullptr, &key, nullptr) != ERROR_SUCCESS) {
+        return nullptr;
+    }
+    return reinterpret_cast<RegistryKey*>(key);
+}
+
+int setRegistryText(RegistryKey* key, const char* valueName, const char* text) {
+    return setValue(key, valueName, REG_SZ, text, strlen(text) + 1);
+}
+
+int setRegistryNumber(RegistryKey* key, const char* valueName, uint32_t number) {
+    return setValue(key, valueName, REG_DWORD, &number, sizeof number);
+}
+
+int closeRegistryKey(RegistryKey* key) {
+    return RegCloseKey(handleOf(key));
+}
+
+int deleteRegistryKey(const char* name) {
+    return RegDeleteKeyA(HKEY_LOCAL_MACHINE, name);
+}
+
+EventSource* registerEventSource(const char* name) {
+    return reinterpret_cast<EventSource*>(RegisterEventSourceA(nullptr, name));
+}
+
+int reportEvent(EventSource* source, EventType type, uint32_t event, const char* const* strings, size_t count) {
+    const WORD category = 0;
+    BOOL reported = ReportEventA(handleOf(source), static_cast<WORD>(type), category, event, nullptr,
+                                 static_cast<WORD>(count), 0, const_cast<const char**>(strings), nullptr);
+    return reported ? 0 : 1;
+}
+
+void deregisterEventSource(EventSource* source) {
+    DeregisterEventSource(handleOf(source));
+}
