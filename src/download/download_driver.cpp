@@ -23,21 +23,21 @@ static constexpr char DOWNLOAD_TWICE_TEXT[] =
 // The text of a reply decides between success and failure, the exit status decides which kind. The row without a
 // status of its own stands behind the others of its half.
 static constexpr ReplyMeaning replyMeanings[] = {
-    {true, 80, BOARD_REBOOT_REQUIRED, OUTCOME_REBOOT_REQUIRED},
-    {true, 87, BOARD_DOWNLOAD_TWICE, OUTCOME_DOWNLOAD_TWICE},
-    {true, 96, BOARD_ACTIVATED, OUTCOME_ACTIVATED},
-    {true, ANY_EXIT_STATUS, BOARD_DOWNLOADED, OUTCOME_SUCCEEDED},
-    {false, 89, BOARD_FAILED, OUTCOME_NO_SIGNATURE},
-    {false, 90, BOARD_FAILED, OUTCOME_INVALID_SIGNATURE},
-    {false, 92, BOARD_FAILED, OUTCOME_NOT_FOR_BOARD_MODEL},
-    {false, 98, BOARD_FAILED, OUTCOME_PROHIBITED},
-    {false, 70, BOARD_FAILED, OUTCOME_INCOMPATIBLE_IMAGE},
-    {false, 103, BOARD_FAILED, OUTCOME_INCOMPATIBLE_FLASH_PART},
-    {false, 104, BOARD_FAILED, OUTCOME_WRONG_ASIC_VERSION},
-    {false, 105, BOARD_FAILED, OUTCOME_INCOMPATIBLE_OBJECT_GENERAL},
-    {false, 106, BOARD_FAILED, OUTCOME_INCOMPATIBLE_OBJECT},
-    {false, 107, BOARD_FAILED, OUTCOME_INVALID_FILE_LENGTH},
-    {false, ANY_EXIT_STATUS, BOARD_FAILED, OUTCOME_FAILED},
+    {true, 80, BOARD_REBOOT_REQUIRED, OUTCOME_REBOOT_REQUIRED, nullptr},
+    {true, 87, BOARD_DOWNLOAD_TWICE, OUTCOME_DOWNLOAD_TWICE, &RunCounters::twiceCount},
+    {true, 96, BOARD_ACTIVATED, OUTCOME_ACTIVATED, &RunCounters::boardNoRebootCount},
+    {true, ANY_EXIT_STATUS, BOARD_DOWNLOADED, OUTCOME_SUCCEEDED, &RunCounters::boardNoRebootCount},
+    {false, 89, BOARD_FAILED, OUTCOME_NO_SIGNATURE, &RunCounters::boardFailCount},
+    {false, 90, BOARD_FAILED, OUTCOME_INVALID_SIGNATURE, &RunCounters::boardFailCount},
+    {false, 92, BOARD_FAILED, OUTCOME_NOT_FOR_BOARD_MODEL, &RunCounters::boardFailCount},
+    {false, 98, BOARD_FAILED, OUTCOME_PROHIBITED, &RunCounters::boardFailCount},
+    {false, 70, BOARD_FAILED, OUTCOME_INCOMPATIBLE_IMAGE, &RunCounters::boardFailCount},
+    {false, 103, BOARD_FAILED, OUTCOME_INCOMPATIBLE_FLASH_PART, &RunCounters::boardFailCount},
+    {false, 104, BOARD_FAILED, OUTCOME_WRONG_ASIC_VERSION, &RunCounters::boardFailCount},
+    {false, 105, BOARD_FAILED, OUTCOME_INCOMPATIBLE_OBJECT_GENERAL, &RunCounters::boardFailCount},
+    {false, 106, BOARD_FAILED, OUTCOME_INCOMPATIBLE_OBJECT, &RunCounters::boardFailCount},
+    {false, 107, BOARD_FAILED, OUTCOME_INVALID_FILE_LENGTH, &RunCounters::boardFailCount},
+    {false, ANY_EXIT_STATUS, BOARD_FAILED, OUTCOME_FAILED, &RunCounters::boardFailCount},
 };
 
 const ReplyMeaning* meaningOfReply(bool noError, int exitStatus) {
@@ -107,17 +107,18 @@ static int failUnopened(HbaRecord* hba, const CLUImage* image) {
         runCounters.boardFailCount++;
     }
     hba->fwDownloadStatus = OUTCOME_IMAGE_NOT_OPENED;
-    if (runOptions.xml) {
-        reportResult(hba, image, false);
-    } else {
+    reportResult(hba, image, false);
+    if (!runOptions.xml) {
         appendToRow(hba, "Error: unable to open firmware image!\n");
         printOut("%s", hba->downloadRow);
     }
     return 1;
 }
 
-static uint16_t runDownload(const char* command) {
+static uint16_t runDownload(const HbaRecord* hba, const CLUImage* image) {
+    char command[DOWNLOAD_COMMAND_SIZE];
     uint16_t exitStatus = 0;
+    makeDownloadCommand(hba, image->filename, command);
     printDbg("\n[Executing utility FW download command]\n");
     printDbg("%s\n", command);
     int tempFileStatus = executeUtilityCommand(command, utilityOutput, &exitStatus);
@@ -131,22 +132,8 @@ static void countResult(const ReplyMeaning* meaning, bool grpAdapter) {
     if (!meaning->noError) {
         runCounters.downloadFailCount++;
     }
-    if (!grpAdapter) {
-        return;
-    }
-    switch (meaning->boardResult) {
-    case BOARD_FAILED:
-        runCounters.boardFailCount++;
-        break;
-    case BOARD_DOWNLOAD_TWICE:
-        runCounters.twiceCount++;
-        break;
-    case BOARD_DOWNLOADED:
-    case BOARD_ACTIVATED:
-        runCounters.boardNoRebootCount++;
-        break;
-    default:
-        break;
+    if (grpAdapter && meaning->boardCounter != nullptr) {
+        (runCounters.*meaning->boardCounter)++;
     }
 }
 
@@ -174,14 +161,14 @@ static int takePreview(HbaRecord* hba, const CLUImage* image) {
     return 0;
 }
 
-static int downloadForBoard(HbaRecord* hba, const CLUImage* image, const char* command) {
+static int downloadForBoard(HbaRecord* hba, const CLUImage* image) {
     int result = 0;
     if (runOptions.preview) {
         printDbg("fw download   = preview\n");
         makeRow(hba, image);
         result = takePreview(hba, image);
     } else {
-        uint16_t exitStatus = runDownload(command);
+        uint16_t exitStatus = runDownload(hba, image);
         makeRow(hba, image);
         result = takeReply(hba, image, exitStatus);
     }
@@ -266,12 +253,10 @@ int executeFwDownload(HbaRecord* hba, const CLUImage* image) {
     if (!canOpen(image->filename)) {
         return failUnopened(hba, image);
     }
-    char command[DOWNLOAD_COMMAND_SIZE];
-    makeDownloadCommand(hba, image->filename, command);
     if (isGrpAdapter(hba) && hba->downloadStat != BOARD_NOT_DOWNLOADED) {
         return inheritDownload(hba, image);
     }
-    return downloadForBoard(hba, image, command);
+    return downloadForBoard(hba, image);
 }
 
 int downloadFirmware(HbaRecord* hba, const CLUImage* image) {

@@ -6,6 +6,7 @@
 
 #include "download/download_status.h"
 #include "include/hba_record.h"
+#include "include/run_counters.h"
 
 inline constexpr size_t DOWNLOAD_COMMAND_SIZE = 508;
 
@@ -15,6 +16,7 @@ struct ReplyMeaning {
     int exitStatus;
     BoardResult boardResult;
     PortOutcome outcome;
+    uint16_t RunCounters::*boardCounter;  // counted for ports of a .grp family; null for none
 };
 
 inline constexpr int ANY_EXIT_STATUS = -1;

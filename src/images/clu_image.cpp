@@ -9,6 +9,8 @@
 
 CLUImage* gFirmwareImageList = nullptr;
 
+enum { ORDER_UNKNOWN = 4 };  // isGreaterCNAVersion, beside 1, 0 and -1
+
 enum EncodingStatus { VERSION_ENCODED = 0, VERSION_NOT_ENCODED = 4 };
 
 static constexpr uint32_t FC_IMAGE_TYPE = 1;  // known to the dump, given to nothing
@@ -25,7 +27,8 @@ static uint32_t readDigits(const char* text, size_t length) {
 int encodeCNAVersion(uint32_t* major, uint32_t* minor, uint32_t* release, uint32_t* build, uint32_t bufSize,
                      const char* decodedVersion) {
     uint32_t* const numbers[] = {major, minor, release, build};
-    if (major == nullptr || minor == nullptr || release == nullptr || build == nullptr || decodedVersion == nullptr) {
+    if (major == nullptr || minor == nullptr || release == nullptr || build == nullptr || decodedVersion == nullptr ||
+        bufSize == 0) {
         printDbg("[encodeCNAVersion] - Invalid arguments!\n");
         return VERSION_NOT_ENCODED;
     }
@@ -64,7 +67,7 @@ int isGreaterCNAVersion(const CLUImage* a, const CLUImage* b) {
                                                               &CLUImage::CNABuildVer};
     if (a == nullptr || b == nullptr) {
         printDbg("[isGreaterCNAVersion] - Invalid arguments!\n");
-        return 4;
+        return ORDER_UNKNOWN;
     }
     for (auto field : orderedBy) {
         if (a->*field != b->*field) {

@@ -42,6 +42,7 @@ static void completeImage(CLUImage* image, const char* fileName) {
                                        lowestB1Version[3])) {
         image->asicRevisionId = B1_ASIC_REVISION;
     }
+    // The name in brackets is that of the directory scan on both roads; readers of the trace know it so.
     printDbg("\n[makeFileNameList] asicRevisionId = 0x%x\n", image->asicRevisionId);
 }
 

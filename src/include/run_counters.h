@@ -1,4 +1,4 @@
-// What a run counts while it walks the ports. Read once, at the end, by report/summaries.
+// What a run counts while it walks the ports. report/summaries turns it into the return code.
 #pragma once
 
 #include <cstdint>

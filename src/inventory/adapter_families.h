@@ -9,7 +9,7 @@ struct AdapterFamily {
     const char* name;          // in dumps
     uint32_t deviceIds[2];     // PCI device IDs of its ports; 0 fills up
     uint16_t signature;        // of its .grp images; 0 for a family without images
-    uint32_t magicNumbers[2];  // of its .grp images; 0 fills up. Dumps know the first of them only
+    uint32_t magicNumbers[2];  // of its .grp images; 0 fills up. The trace of a bad header knows the first only
 };
 
 // In the order in which an image header is tried against them.

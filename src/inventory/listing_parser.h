@@ -11,7 +11,7 @@ enum ListingStatus { LISTING_READ = 0, LISTING_FAILED = 4 };
 // Runs the listing and fills gHbaList. Returns LISTING_READ when the text was parsed, even if it held no port.
 int makeHbaList();
 
-// Parses a whole listing, a NUL-terminated text, into gHbaList.
+// Parses a whole listing, a NUL-terminated text: counts anew in gHbaCount and puts the ports behind those of gHbaList.
 void parseListing(const char* text);
 
 // Reads the value of the first `key` in `block`: what stands behind the next `separator` and blanks, up to a line end,

@@ -26,6 +26,26 @@ static int makeCommandLine(char* command, const char* args) {
     return 0;
 }
 
+// Makes sure that what is read behind the run is the run's own: a file that somebody left under the name is removed, or
+// at least emptied. Returns 0 when it can be neither and would be taken for the utility's answer.
+static int discardOldOutput() {
+    if (removeFile(tempFilePath) == 0) {
+        return 1;
+    }
+    FILE* file = openFile(tempFilePath, OPEN_READ_TEXT);
+    if (file == nullptr) {
+        return 1;
+    }
+    fclose(file);
+    file = openFile(tempFilePath, OPEN_WRITE);
+    if (file == nullptr) {
+        printDbg("An old temp file cannot be removed, utility not executed\n");
+        return 0;
+    }
+    fclose(file);
+    return 1;
+}
+
 static void printExecuting(const char* command) {
     if (runOptions.verbose) {
         printOut("\n%s:  executing command : %s\n", appName, command);
@@ -106,14 +126,20 @@ int executeUtilityCommand(const char* args, char* outBuf, uint16_t* returnStatus
     char command[COMMAND_LINE_SIZE];
     outBuf[0] = '\0';
     *returnStatus = 1;
-    return makeCommandLine(command, args) ? executeSystemCommand(command, outBuf, returnStatus) : TEMP_FILE_NOT_OPENED;
+    if (!makeCommandLine(command, args) || !discardOldOutput()) {
+        return TEMP_FILE_NOT_OPENED;
+    }
+    return executeSystemCommand(command, outBuf, returnStatus);
 }
 
 int executeUtilityCommandToFile(const char* args, uint16_t* returnStatus) {
     char command[COMMAND_LINE_SIZE];
     utilityOutput[0] = '\0';
     *returnStatus = 1;
-    return makeCommandLine(command, args) ? executeSystemCommandToFile(command, returnStatus) : TEMP_FILE_NOT_OPENED;
+    if (!makeCommandLine(command, args) || !discardOldOutput()) {
+        return TEMP_FILE_NOT_OPENED;
+    }
+    return executeSystemCommandToFile(command, returnStatus);
 }
 
 static FILE* openTempFile() {

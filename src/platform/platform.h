@@ -14,6 +14,10 @@ struct LocalTime {
     int hour, minute, second, millisecond;
 };
 
+// Makes the run safe from how it was started, before anything is written: standard streams that are closed, a reader
+// of the output that goes away, a caller that does not wait for its children.
+void startPlatform();
+
 uint32_t systemMajorVersion();
 uint32_t processNumber();
 int localTime(LocalTime* now);
@@ -59,7 +63,8 @@ void closeDirectorySearch(DirectorySearch* search);
 // The child process.
 
 // Runs a command line of the form ""program" arguments > file" and waits for its end, without a limit. Returns the
-// program's exit code.
+// program's exit code; for a program that cannot be started, or a file that cannot be opened, what the system's command
+// interpreter gives, so that only the file tells success from failure.
 int runCommand(const char* commandLine);
 
 // Registry keys below HKEY_LOCAL_MACHINE.

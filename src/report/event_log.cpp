@@ -109,6 +109,10 @@ void reportNotRequiredEvent(const char* portWwn, const char* fileName, const cha
     reportByForm(notRequiredForm, {portWwn, version, fileName, reason, status, sfjByte});
 }
 
+uint8_t sfjByteOf(const HbaRecord* hba) {
+    return static_cast<uint8_t>(hba->sfj & 0xFF);
+}
+
 static void traceFailure(const char* valueName) {
     printDbg("Error creating \"%s\" key in Registry.\n", valueName);
 }

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "include/hba_record.h"
+
 // HbaRecord::eventKind: which report ends a port's selection by fwmatrix.txt.
 enum EventKind : uint32_t {
     EVENT_NONE = 0,
@@ -11,6 +13,9 @@ enum EventKind : uint32_t {
     EVENT_IMAGE_FILE = 2,  // the entry's file is missing or no image
     EVENT_NOT_REQUIRED = 3,
 };
+
+// What the reporters take of the port's secure firmware state.
+uint8_t sfjByteOf(const HbaRecord* hba);
 
 // The reporters. `version` is what the port runs now, `status` a PortOutcome. A `sfjByte` of 0 adds the note that
 // secure firmware is disabled. Of `fileName` only what stands behind the last backslash is reported.

@@ -21,8 +21,8 @@ static constexpr char STARS[] = "***********************************************
 
 // "N/A" and "NONE" show as nothing.
 static const char* shownVersion(const char* version) {
-    bool hasNone = strcmp(version, "N/A") == 0 || strcmp(version, "NONE") == 0;
-    return hasNone ? "" : version;
+    bool hasNothingToShow = strcmp(version, "N/A") == 0 || strcmp(version, "NONE") == 0;
+    return hasNothingToShow ? "" : version;
 }
 
 static void appendBootEnabled(char* row, const HbaRecord* hba) {

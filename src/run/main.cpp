@@ -55,6 +55,7 @@ static ReturnCode closeReport() {
 }
 
 int main(int argc, char** argv) {
+    startPlatform();
     if (!checkOsVersion()) {
         printOut("\nError - Unsupported OS detected - Return Code=%d\n\n", RETURN_OLD_SYSTEM);
         return RETURN_OLD_SYSTEM;

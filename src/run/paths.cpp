@@ -22,8 +22,8 @@ static constexpr char PRIVILEGE_KEY[] = "SOFTWARE\\VelmarFwupdate";
 static constexpr char MATRIX_NAME[] = "fwmatrix.txt";
 
 void printVersion() {
-    formatText(versionString, sizeof versionString, "%d.%d.%d.%d", TARNLIFT_VERSION_MAJOR,
-               TARNLIFT_VERSION_MINOR, TARNLIFT_VERSION_RELEASE, TARNLIFT_VERSION_BUILD);
+    formatText(versionString, sizeof versionString, "%d.%d.%d.%d", TARNLIFT_VERSION_MAJOR, TARNLIFT_VERSION_MINOR,
+               TARNLIFT_VERSION_RELEASE, TARNLIFT_VERSION_BUILD);
 }
 
 int setupApplicationPaths(char** argv) {

@@ -12,10 +12,6 @@
 #include "report/xml_report.h"
 #include "selection/matrix_selection.h"
 
-static uint8_t sfjByte(const HbaRecord* hba) {
-    return static_cast<uint8_t>(hba->sfj & 0xFF);
-}
-
 // The highest image that fits the port, null when none does.
 static CLUImage* firstCandidate(const HbaRecord* hba) {
     return isB1Adapter(hba) ? getFirstB1FwMatch(hba, gFirmwareImageList)
@@ -25,7 +21,7 @@ static CLUImage* firstCandidate(const HbaRecord* hba) {
 static void reportNotRequired(HbaRecord* hba, const CLUImage* image) {
     setNotRequiredReason(&hba->eventReason);
     reportNotRequiredEvent(hba->portWwn, image->filename, hba->fwImage.decodedVersion, hba->eventReason,
-                           hba->fwDownloadStatus, sfjByte(hba));
+                           hba->fwDownloadStatus, sfjByteOf(hba));
 }
 
 // No image of the directory fits. `currentVersion` is what the report gives as the port's.
@@ -45,7 +41,7 @@ static void explainNoCandidate(HbaRecord* hba, const char* message) {
     }
     hba->eventReason = "No compatible firmware image found.";
     reportNoCompatibleImageEvent(hba->portWwn, hba->fwImage.decodedVersion, hba->eventReason, hba->fwDownloadStatus,
-                                 sfjByte(hba));
+                                 sfjByteOf(hba));
 }
 
 // forceFw, update and rewrite look at the highest image and at no other.
@@ -69,7 +65,7 @@ static void takeHighestImage(HbaRecord* hba) {
     xmlCloseTag("Application", 2);
 }
 
-// Every image of the family is at or above the port's version; `lastImage` is the lowest of them.
+// No image that the port may take is below its version; `lastImage` is the last one looked at.
 static void passWithoutLowerImage(HbaRecord* hba, const CLUImage* lastImage) {
     hba->fwDownloadStatus = OUTCOME_NOT_NEEDED;
     if (runOptions.xml) {

@@ -52,7 +52,7 @@ void setNotRequiredReason(const char** reason) {
 // Ends a port's selection with the report that its eventKind asks for.
 static void reportEventOfPort(HbaRecord* hba, const char* fwFile) {
     const char* version = hba->fwImage.decodedVersion;
-    const uint8_t sfjByte = static_cast<uint8_t>(hba->sfj & 0xFF);
+    const uint8_t sfjByte = sfjByteOf(hba);
     switch (hba->eventKind) {
     case EVENT_NO_IMAGE:
         reportNoImageEvent(hba->portWwn, version, hba->eventReason, hba->fwDownloadStatus, sfjByte);
@@ -148,26 +148,35 @@ static void openPortReport(HbaRecord* hba, const CLUImage* image) {
     }
 }
 
-static void decideByVersion(HbaRecord* hba, const CLUImage* image) {
-    bool due = isDownloadDue(&hba->fwImage, image) != 0;
-    printDbg("\n[Update Needed]\n");
-    printDbg(due ? "true\n" : "false\n");
-    if (!due) {
-        hba->fwDownloadStatus = OUTCOME_NOT_NEEDED;
-    }
+static void downloadDueImage(HbaRecord* hba, const CLUImage* image) {
+    printDbg("true\n");
     openPortReport(hba, image);
-    if (due) {
-        downloadFirmware(hba, image);
-    } else {
-        if (runOptions.xml) {
-            xmlWriteVersionChange("false", hba->fwVersion, image->decodedVersion, OUTCOME_NOT_NEEDED);
-        }
-        if (runOptions.verbose) {
-            printUpdateNotRequired(hba, "firmware");
-        }
-        hba->eventKind = EVENT_NOT_REQUIRED;
+    downloadFirmware(hba, image);
+    xmlCloseTag("Application", 2);
+}
+
+static void passWithoutNeed(HbaRecord* hba, const CLUImage* image) {
+    printDbg("false\n");
+    hba->fwDownloadStatus = OUTCOME_NOT_NEEDED;
+    openPortReport(hba, image);
+    if (runOptions.xml) {
+        xmlWriteVersionChange("false", hba->fwVersion, image->decodedVersion, OUTCOME_NOT_NEEDED);
+    }
+    if (runOptions.verbose) {
+        printUpdateNotRequired(hba, "firmware");
     }
     xmlCloseTag("Application", 2);
+    hba->eventKind = EVENT_NOT_REQUIRED;
+}
+
+static void decideByVersion(HbaRecord* hba, const CLUImage* image) {
+    runCounters.compatibleImageCount++;
+    printDbg("\n[Update Needed]\n");
+    if (isDownloadDue(&hba->fwImage, image)) {
+        downloadDueImage(hba, image);
+    } else {
+        passWithoutNeed(hba, image);
+    }
 }
 
 void processHbaWithFwMatrix(HbaRecord* hba) {
@@ -187,7 +196,6 @@ void processHbaWithFwMatrix(HbaRecord* hba) {
     uint32_t status = 0;
     const ImageFailure* failure = getImage(&image, fwFile, &status);
     if (failure == nullptr) {
-        runCounters.compatibleImageCount++;
         decideByVersion(hba, &image);
     } else {
         passWithoutImage(hba, failure, status);

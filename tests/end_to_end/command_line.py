@@ -1,7 +1,9 @@
 """What the switches do, up to the point at which the adapters are asked."""
+import subprocess
+import tempfile
 import unittest
 
-from machine import MachineTest, port
+from machine import BIN, WINDOWS, WINE, MachineTest, linux_only, port, spelled, windows_only
 
 UNKNOWN = "\ntarnlift.exe: Error - Unknown switch = {} - Return Code=4\n\n"
 MISSING = "\ntarnlift.exe: Error - Invalid use of the {} switch. This switch requires an argument - Return Code=4\n\n"
@@ -10,6 +12,8 @@ NO_LOG = "\ntarnlift.exe: Error - unable to open logfile {} - Return Code=4\n\n"
 BANNER = "\ntarnliftOffline v14.4.473.14 - Velmar Firmware Update Utility\n\ntarnlift.exe [/auto] [/downgrade] [/e] "
 REWRITE, DOWNGRADE = "/rewrite cannot be used with /update or /downgrade", "/downgrade cannot be used with /update or /rewrite"
 AUTO, VPD = "/auto requires an additional operational switch", "/vpd requires an additioanl operational switch"
+
+TOO_OLD = "\nError - Unsupported OS detected - Return Code=9\n\n"
 
 # Switches, return code, what stands in front of the help.
 WITH_HELP = [
@@ -55,10 +59,13 @@ class CommandLine(MachineTest):
 
     def test_the_help_names_the_drive(self):
         machine = self.machine()
-        for switches, env, letter in (["/h"], {"SYSTEMDRIVE": "D:"}, "D"), (["/ramdrive=x:", "/h"], {}, "x"), \
-                (["/ramdrive=", "/h"], {}, "C"), (["/nosuch"], {"SYSTEMDRIVE": "E:"}, "E"):
+        cases = [(["/ramdrive=x:", "/h"], {}, "x"), (["/ramdrive=", "/h"], {}, "C")]
+        if not WINDOWS:
+            cases += [(["/h"], {"SYSTEMDRIVE": "D:"}, "D"), (["/nosuch"], {"SYSTEMDRIVE": "E:"}, "E")]
+        for switches, env, letter in cases:
             self.assertIn(f"Default is drive {letter}:.", machine.run(*switches, env=env)[1])
 
+    @linux_only
     def test_the_machine_is_looked_at_before_the_switches(self):
         machine = self.machine()
         host = machine.path / "host"
@@ -66,13 +73,30 @@ class CommandLine(MachineTest):
         (host / "registry").write_text("in the way")
         self.assertEqual(machine.run("/?"), (8, "\ntarnlift.exe: Error - insufficient privileges - Return Code=8\n\n"))
         (host / "os-version").write_text("6.3")
-        self.assertEqual(machine.run(), (9, "\nError - Unsupported OS detected - Return Code=9\n\n"))
+        self.assertEqual(machine.run(), (9, TOO_OLD))
         (host / "os-version").write_text("10")
         long_name = (4, "\ntarnlift.exe: Error - Unable to setup application paths - Return Code=4\n\n")
         self.assertEqual(machine.run(argv0="x" * 219), long_name)
         (host / "registry").unlink()
         self.assertEqual(machine.run("/h", argv0="x" * 218)[0], 0)
         self.assertEqual(list((host / "registry/HKEY_LOCAL_MACHINE/SOFTWARE").iterdir()), [])
+
+    @windows_only
+    def test_an_older_windows_is_refused_and_no_probe_key_is_left(self):
+        machine = self.machine()
+        self.assertEqual(machine.run("/?")[0], 0)
+        probe = subprocess.run([*WINE, "reg", "query", r"HKLM\SOFTWARE\VelmarFwupdate"], capture_output=True)
+        self.assertNotEqual(probe.returncode, 0)
+        try:
+            subprocess.run([*WINE, "winecfg", "-v", "win81"], check=True, capture_output=True)
+            self.assertEqual(machine.run(), (9, TOO_OLD))
+        finally:
+            subprocess.run([*WINE, "winecfg", "-v", "win10"], check=True, capture_output=True)
+
+    def test_the_program_finds_its_directory_from_anywhere(self):
+        machine = self.machine(port(), name="tarnlift with blanks ")
+        code, output = machine.run("/q", through_path=True, temp=tempfile.gettempdir())
+        self.assertEqual((code, output.count("\nHBA=")), (0, 1))
 
     def test_a_log_gets_what_the_user_sees_and_s_mutes_the_console_only(self):
         machine = self.machine(port())
@@ -87,14 +111,13 @@ class CommandLine(MachineTest):
 
     def test_directories_and_the_temp_file_follow_the_switches(self):
         machine = self.machine(port())
-        for name, switches in ("fwmatrix.txt", ["/fmd=other"]), ("firmware", ["/id==other=x"]):
-            (machine.path / "cwd/other").mkdir(exist_ok=True)
-            (machine.path / name).rename(machine.path / "cwd/other" / name)
-            self.assertIn(machine.run("/q", *switches)[0] if name != "firmware" else 0, (0,))
-        _, output = machine.run("/q", "/v", "/fmd=other", "/ramdrive=R:")
+        (machine.path / "cwd/other").mkdir()
+        (machine.path / "fwmatrix.txt").rename(machine.path / "cwd/other/fwmatrix.txt")
+        drive = machine.drive("r")
+        code, output = machine.run("/q", "/v", "/xv", "/fmd=other", "/id==other=x", "/ramdrive=R:")
+        self.assertEqual(code, 0)
         self.assertIn("listattr /c > R:\\temp.txt\"", output)
-        self.assertEqual(list((machine.path / "host/drives/r").iterdir()), [])
-        machine.run("/q", "/xv", "/fmd=other", "/id==other=x")
+        self.assertEqual(list(drive.iterdir()), [])
         self.assertIn("Firmware path        : other\\firmware\\\n", machine.read("cwd/dbg.log"))
         self.assertIn("Fwmatrix.txt         : other\\fwmatrix.txt\n", machine.read("cwd/dbg.log"))
 
@@ -110,14 +133,20 @@ class CommandLine(MachineTest):
         self.assertEqual(machine.run("/auto", "/update"), (6, no_directory))
 
     def test_iv_shows_the_version_of_one_file(self):
-        machine = self.machine(matrix=None, images=[(66, "14.4.188.1", "a.grp")])
-        machine.image(64, "1.2.3.4", "short.grp", "--broken", "short")
-        (machine.path / "firmware/a.bin").write_text("")
+        machine = self.machine(matrix=None)
+        unreadable = (19, "\ntarnlift.exe: Error - Unable to decode the image version - Return Code=19\n\n")
+        mkgrp = [*WINE, next(BIN.glob("mkgrp*")), "--version", "14.4.188.1"]
+        for options, result in [("--family 64", (0, "14.4.188.1\n")), ("--family 67 --magic-alt", (0, "14.4.188.1\n")),
+                                ("--family 65 --size 140", (0, "14.4.188.1\n")), ("--family 66 --broken no-version", (0, "\n")),
+                                *((f"--family 66 --broken {kind}", unreadable) for kind in
+                                  "short empty magic signature mixed swapped no-end long-version".split())]:
+            with self.subTest(options):
+                subprocess.run([*mkgrp, *options.split(), spelled(machine.path / "a.grp") if WINDOWS else
+                                machine.path / "a.grp"], check=True)
+                self.assertEqual(machine.run(f"/iv={spelled(machine.path)}\\a.grp", "/update"), result)
+        self.assertEqual(machine.run("/iv=gone.grp"), unreadable)
         unknown = "\ntarnlift.exe: Error - Unknown image file type - Return Code=19\n\n"
-        unreadable = "\ntarnlift.exe: Error - Unable to decode the image version - Return Code=19\n\n"
-        for name, code, output in ("a.grp", 0, "14.4.188.1\n"), ("a.bin", 19, unknown), ("short.grp", 19, unreadable), \
-                ("gone.grp", 19, unreadable):
-            self.assertEqual(machine.run(f"/iv={machine.path}/firmware/{name}", "/update"), (code, output))
+        self.assertEqual(machine.run("/iv=a.bin"), (19, unknown))
         self.assertEqual(machine.calls(), [])
 
     def test_the_diagnostic_log_is_written_while_it_is_there(self):

@@ -100,7 +100,7 @@ class Downloads(MachineTest):
             with self.subTest(matrix):
                 machine = self.machine(port(), port(2, "QVa6100", "F400", serial="S2"), matrix=matrix + "QVa6100 b.grp\n",
                                        images=[(65, "14.2.1.1", "b.grp")])
-                machine.image(64, "1.2.3.4", "short.grp", "--broken", "short")
+                machine.image(64, "1.2.3.4", "short.grp", size=139)
                 (machine.path / "firmware/dir.grp").mkdir()
                 code, output = machine.run("/q", "/v", "/update")
                 self.assertEqual(code, 3)

@@ -1,17 +1,30 @@
-"""A machine of its own for a test: the real program and the simulated utility in a temporary directory."""
+"""A machine of its own for a test: the real program and the simulated utility in a temporary directory.
+
+The same tests run on both systems. What differs is here: how a program is started, how a path is spelled, and where
+registry and event log are looked into. Windows programs run through Wine and end their lines in CR LF, as everything
+does there; the tests see LF.
+"""
 import json
 import os
 import re
 import shutil
+import struct
 import subprocess
 import tempfile
 import unittest
 from pathlib import Path
 
 BIN = Path(os.environ["TARNLIFT_BIN"])
+WINDOWS = os.environ.get("TARNLIFT_SYSTEM") == "windows"
+TOP = Path(__file__).resolve().parents[2]
+WINE = [TOP / "tools/wine.sh"] if WINDOWS else []
+SOURCE_KEY = r"SYSTEM\CurrentControlSet\Services\Eventlog\Application\Velmar Tarnlift"
 TIME = re.compile(r"^(Sun|Mon|Tue|Wed|Thu|Fri|Sat) (Jan|Feb|Mar|Apr|May|Jun|Jul|Aug|Sep|Oct|Nov|Dec) [ 1-3]\d "
                   r"\d\d:\d\d:\d\d \d{4}$", re.MULTILINE)
-DEVICES = {64: "E300", 65: "F400", 66: "F500", 67: "F600"}
+MAGIC_AND_SIGNATURE = {64: (0xFEAA0003, 0xF70C), 65: (0xFEAA0005, 0xF7A4), 66: (0xFEAA0020, 0xF7A5), 67: (0xFEAA0040, 0xF7A6)}
+
+linux_only = unittest.skipIf(WINDOWS, "looks at the layer that stands for Windows")
+windows_only = unittest.skipUnless(WINDOWS, "only the real system has it")
 
 
 def port(number=1, model="QVa5202", device="E300", fw="14.0.1.1", serial="S1", bus="1", script="", **keys):
@@ -25,66 +38,103 @@ def port(number=1, model="QVa5202", device="E300", fw="14.0.1.1", serial="S1", b
     return "\n".join(lines + [script] * bool(script)) + "\n"
 
 
+def spelled(path):
+    """A path as the program spells it."""
+    return ("Z:" if WINDOWS else "") + str(path).replace("/", "\\")
+
+
 class Machine:
     """The directory `path` holds all: program, utility, firmware, host directory and temp directory."""
 
-    def __init__(self, *ports, matrix="", images=(), utility=None):
-        self.path = Path(tempfile.mkdtemp(prefix="tarnlift-"))
-        for name in ("firmware", "temp", "cwd"):
-            (self.path / name).mkdir()
-        shutil.copy(BIN / "tarnlift.exe", self.path)
-        if utility is None:
-            shutil.copy(BIN / "winhbcfg.exe", self.path)
-        else:
-            self.script_utility(utility)
+    def __init__(self, *ports, matrix="", images=(), script="", name="tarnlift-"):
+        self.path = Path(tempfile.mkdtemp(prefix=name))
+        for directory in ("firmware", "temp", "cwd"):
+            (self.path / directory).mkdir()
+        for program in ("tarnlift.exe", "winhbcfg.exe"):
+            shutil.copy(BIN / program, self.path)
         if matrix is not None:
             (self.path / "fwmatrix.txt").write_text(matrix)
-        self.set_ports(*ports)
-        for family, version, name in images:
-            self.image(family, version, name)
+        self.set_ports(*ports, script=script)
+        for family, version, file in images:
+            self.image(family, version, file)
 
-    def set_ports(self, *ports):
-        (self.path / "adapters.txt").write_text("@calls calls.txt\n\n" + "\n".join(ports))
+    def set_ports(self, *ports, script=""):
+        text = "@calls calls.txt\n" + script + "\n\n" + "\n".join(ports)
+        (self.path / "adapters.txt").write_bytes(text.encode("latin-1"))
 
-    def script_utility(self, text):
-        utility = self.path / "winhbcfg.exe"
-        utility.write_text("#!/bin/sh\n" + text)
-        utility.chmod(0o755)
+    def image(self, family, version, name, size=4096):
+        magic, signature = MAGIC_AND_SIGNATURE[family]
+        header = struct.pack(">III", 0, magic, signature << 16) + version.encode() + b" for all ports"
+        (self.path / "firmware" / name).write_bytes(header.ljust(size, b"\0")[:size])
 
-    def image(self, family, version, name, *options):
-        subprocess.run([BIN / "mkgrp", "--family", str(family), "--version", version, *options,
-                        self.path / "firmware" / name], check=True)
-
-    def run(self, *switches, env=(), argv0=None):
+    def run(self, *switches, temp=None, env=(), argv0=None, through_path=False):
         """Runs the program in `cwd`. Returns its return code and its output, in which TIME stands for each time."""
-        environment = {**os.environ, "TARNLIFT_HOST": str(self.path / "host"), "TEMP": str(self.path / "temp")}
-        environment.update(env)
-        done = subprocess.run([argv0 or self.path / "tarnlift.exe", *switches], executable=self.path / "tarnlift.exe",
-                              cwd=self.path / "cwd", env=environment, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                              timeout=60)
+        program = self.path / "tarnlift.exe"
+        temp = spelled(temp or self.path / "temp")
+        environment = {**os.environ, "TARNLIFT_HOST": str(self.path / "host"), "WINEDEBUG": "-all,+eventlog,fixme+advapi"}
+        environment.update({"WINETEMP" if WINDOWS else "TEMP": temp.replace("\\", "\\" if WINDOWS else "/")}, **dict(env))
+        start = {"executable": program} if not WINDOWS else {}
+        command = [argv0 or ("tarnlift.exe" if through_path else program)]
+        if WINDOWS and through_path:
+            command = ["cmd", "/c", "path", spelled(self.path) + "&", "tarnlift.exe"]
+        done = subprocess.run([*WINE, *command, *switches], cwd=self.path / "cwd", env=environment, timeout=120,
+                              stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, **start)
         self.stderr = done.stderr.decode("latin-1")
-        return done.returncode, TIME.sub("TIME", done.stdout.decode("latin-1"))
+        return done.returncode, self.text(done.stdout)
+
+    @staticmethod
+    def text(content):
+        return TIME.sub("TIME", content.decode("latin-1").replace("\r\n", "\n"))
 
     def read(self, name):
-        return TIME.sub("TIME", (self.path / name).read_bytes().decode("latin-1"))
+        return self.text((self.path / name).read_bytes())
 
     def calls(self):
         """The utility's calls since the last look, with the machine's directory as M."""
         file = self.path / "calls.txt"
         text = file.read_text() if file.exists() else ""
         file.unlink(missing_ok=True)
-        return text.replace(str(self.path).replace("/", "\\"), "M").splitlines()
+        return text.replace(spelled(self.path), "M").splitlines()
 
     def events(self):
-        """The events since the last look, as (id, strings)."""
+        """The events of the last run, as (id, strings)."""
+        if WINDOWS:
+            found = []
+            for line in self.stderr.splitlines():
+                event = re.search(r"fixme:advapi:ReportEventW \(.*?,0x000[14],0x0000,0x([0-9a-f]{8}),", line)
+                string = re.search(r'eventlog:ReportEventW L"(.*)"$', line)
+                if event:
+                    found.append(("0x" + event[1].upper(), []))
+                elif string:
+                    found[-1][1].append(string[1].replace("\\\\", "\\"))
+            return found
         file = self.path / "host" / "eventlog.jsonl"
         lines = file.read_text().splitlines() if file.exists() else []
         file.unlink(missing_ok=True)
         return [(event["id"], event["strings"]) for event in map(json.loads, lines)]
 
-    def registry(self):
-        root = self.path / "host" / "registry" / "HKEY_LOCAL_MACHINE"
-        return {str(file.relative_to(root)): file.read_text() for file in root.rglob("*") if file.is_file()}
+    def source_key(self):
+        """The values of the event source's registry key, as name: (type, data); it is gone afterwards."""
+        if WINDOWS:
+            key = "HKLM\\" + SOURCE_KEY
+            done = subprocess.run([*WINE, "reg", "query", key], capture_output=True)
+            subprocess.run([*WINE, "reg", "delete", key, "/f"], capture_output=True)
+            rows = re.findall(r"^    (.*?)    (REG_\w+)    (.*)$", self.text(done.stdout), re.MULTILINE)
+            return {name: (kind, str(int(data, 16)) if kind == "REG_DWORD" else data) for name, kind, data in rows}
+        directory = self.path / "host/registry/HKEY_LOCAL_MACHINE" / SOURCE_KEY.replace("\\", "/")
+        values = {file.name: tuple(file.read_text().splitlines()) for file in directory.glob("*")}
+        shutil.rmtree(directory, ignore_errors=True)
+        return values
+
+    def drive(self, letter):
+        """The root directory of a drive of the machine."""
+        directory = self.path / "host/drives" / letter
+        if WINDOWS:
+            directory.mkdir(parents=True)
+            link = TOP / "build/wine/dosdevices" / (letter + ":")
+            link.unlink(missing_ok=True)
+            link.symlink_to(directory)
+        return directory
 
 
 class MachineTest(unittest.TestCase):

@@ -77,7 +77,7 @@ class Reports(MachineTest):
                 machine = self.machine(port(**keys), matrix=matrix,
                                        images=[(64, version, name + ".grp") for name, version in images.items()])
                 if "short" in what:
-                    machine.image(64, "1.2.3.4", "short.grp", "--broken", "short")
+                    machine.image(64, "1.2.3.4", "short.grp", size=139)
                 result = machine.run("/xml", *switches.split())
                 self.assertEqual(result, (code, execution(device(content), code, sentence, reboot)))
                 self.assert_well_formed(result[1].strip())
@@ -101,7 +101,7 @@ class Reports(MachineTest):
         self.assert_well_formed(document.strip())
 
     def test_values_of_the_adapters_cannot_break_the_document(self):
-        machine = self.machine(matrix="", utility="printf 'HBA: 1\\nModel: <&\"\\001\\200\\303\\244\\nPort WWN: ]]>--\\n'")
+        machine = self.machine(port(model='<&"\x01\x80\xc3\xa4', Port_WWN="]]>--"))
         document = machine.run("/q", "/xml")[1]
         self.assertIn('hba="&lt;&amp;&quot;??\xc3\xa4" portType="FC"', document)
         self.assertIn('wwpn="]]&gt;--"', document)

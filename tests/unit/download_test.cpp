@@ -1,8 +1,11 @@
 // What the utility's reply means, and how the ports of a board share it.
+#include "base/text.h"
 #include "download/download_driver.h"
 #include "include/run_counters.h"
 #include "include/run_options.h"
+#include "include/working_paths.h"
 #include "inventory/hba_list.h"
+#include "inventory/utility_runner.h"
 #include "unit/fixture.h"
 
 struct Download : RunTest {};
@@ -72,6 +75,22 @@ TEST_F(Download, ABoardIsSerialNumberBusAndDomain) {
     EXPECT_EQ(same->downloadStat, BOARD_ACTIVATED);
     EXPECT_EQ(otherBus->downloadStat, BOARD_NOT_DOWNLOADED);
     EXPECT_EQ(otherSerial->downloadStat, BOARD_NOT_DOWNLOADED);
+}
+
+TEST_F(Download, ACommandLineThatDoesNotFitIsNotRun) {
+    memset(tempFilePath, 't', sizeof tempFilePath - 1);
+    memset(binPath, 'b', sizeof binPath - 1);
+    const size_t room = 761 - 217 - 12 - 253 - strlen("\"\"\"  > \"");
+    uint16_t status = 0;
+    for (size_t length : {room, room + 1}) {
+        copyText(utilityOutput, sizeof utilityOutput, "NO Error");
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(executeUtilityCommand(std::string(length, 'a').c_str(), utilityOutput, &status), length > room);
+        testing::internal::GetCapturedStderr();
+        EXPECT_STREQ(utilityOutput, "");
+        EXPECT_EQ(status, 1);
+        EXPECT_EQ(traces().find("too long, not executed") != std::string::npos, length > room) << length;
+    }
 }
 
 TEST_F(Download, ALongRowStaysInsideItsField) {

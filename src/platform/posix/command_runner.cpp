@@ -121,10 +121,17 @@ static int startAndWait(Command* command, int output) {
     if (output >= 0) {
         posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
     }
-    signal(SIGCHLD, SIG_DFL);  // a parent that ignores it would take the exit code from us
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    sigset_t defaults;  // what startPlatform ignores for us, the child should not
+    sigemptyset(&defaults);
+    sigaddset(&defaults, SIGPIPE);
+    posix_spawnattr_setsigdefault(&attributes, &defaults);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
     pid_t child = 0;
-    int failure = posix_spawn(&child, program, &actions, nullptr, command->arguments, environ);
+    int failure = posix_spawn(&child, program, &actions, &attributes, command->arguments, environ);
     posix_spawn_file_actions_destroy(&actions);
+    posix_spawnattr_destroy(&attributes);
     if (failure != 0) {
         fprintf(stderr, "cannot run %s: %s\n", program, strerror(failure));
         return CANNOT_RUN;

@@ -1,3 +1,4 @@
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 
@@ -39,6 +40,9 @@ static constexpr size_t LONGEST_NAME = 255;
 static bool matchesPattern(const char* name, const char* pattern) {
     bool rest[LONGEST_NAME + 2] = {};
     size_t length = strlen(name);
+    if (length > LONGEST_NAME) {  // some file systems count in other units than bytes
+        return false;
+    }
     const char* lastDot = strrchr(name, '.');
     rest[length] = true;
     for (size_t p = strlen(pattern); p-- > 0;) {
@@ -111,13 +115,15 @@ static void searchDirectory(DirectorySearch* search, const char* directory, char
     translatePattern(pattern);
     size_t room = 0;
     bool goesOn = true;
-    for (const dirent* found; goesOn && (found = readdir(stream)) != nullptr;) {
+    errno = 0;
+    for (const dirent* found; goesOn && (found = readdir(stream)) != nullptr; errno = 0) {
         if (matchesPattern(found->d_name, pattern)) {
             goesOn = addEntry(search, &room, found->d_name, isDirectoryEntry(dirfd(stream), found));
         }
     }
+    bool complete = goesOn && errno == 0;
     closedir(stream);
-    if (!goesOn) {  // half a directory is worse than none
+    if (!complete) {  // half a directory is worse than none
         search->count = 0;
     }
     if (search->count > 1) {

@@ -1,25 +1,31 @@
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "platform/platform.h"
 #include "platform/posix/native_path.h"
 
-FILE* openFile(const char* path, OpenMode mode) {
-    // By OpenMode. The e keeps the handle from the child.
-    static const char* const modes[] = {"re", "re", "ae", "we"};
-    bool reads = mode == OPEN_READ_TEXT || mode == OPEN_READ_BINARY;
-    char native[NATIVE_PATH_SIZE];
-    if (!(reads ? nativePath(path, native) : nativePathForWriting(path, native))) {
+FILE* openNativeFile(const char* path) {
+    int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0) {
         return nullptr;
     }
-    FILE* file = fopen(native, modes[mode]);
     struct stat status;
-    // This system opens a directory for reading.
-    if (file != nullptr && reads && (fstat(fileno(file), &status) != 0 || S_ISDIR(status.st_mode))) {
-        fclose(file);
-        return nullptr;
+    bool readable = fstat(descriptor, &status) == 0 && !S_ISDIR(status.st_mode) && !S_ISFIFO(status.st_mode);
+    FILE* file = readable ? fdopen(descriptor, "r") : nullptr;
+    if (file == nullptr) {
+        close(descriptor);
     }
     return file;
+}
+
+FILE* openFile(const char* path, OpenMode mode) {
+    char native[NATIVE_PATH_SIZE];
+    if (mode == OPEN_READ_TEXT || mode == OPEN_READ_BINARY) {
+        return nativePath(path, native) ? openNativeFile(native) : nullptr;
+    }
+    // The e keeps the handle from the child.
+    return nativePathForWriting(path, native) ? fopen(native, mode == OPEN_APPEND ? "ae" : "we") : nullptr;
 }
 
 int removeFile(const char* path) {

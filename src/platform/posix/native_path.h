@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdio>
 
 inline constexpr size_t NATIVE_PATH_SIZE = 4096;
 
@@ -15,6 +16,10 @@ bool nativePathForWriting(const char* path, char* out);
 // Puts the path of `entry` of the host directory, in which a backslash counts as a slash, into `out`, which has
 // NATIVE_PATH_SIZE bytes. Returns false when it does not fit.
 bool hostPath(const char* entry, char* out);
+
+// Opens a file for reading by its native path. Returns null for a directory, too, and for a pipe, which would wait for
+// a writer.
+FILE* openNativeFile(const char* path);
 
 // Makes the directory `path` with all that is missing above it. Returns true when it is there afterwards.
 bool makeDirectories(const char* path);

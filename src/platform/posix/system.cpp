@@ -1,8 +1,10 @@
 // The system, the environment, the clock.
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include "base/text.h"
@@ -11,9 +13,22 @@
 
 static constexpr uint32_t DEFAULT_SYSTEM_VERSION = 10;
 
+void startPlatform() {
+    // A file that took the place of a closed standard stream would get what is meant for the stream.
+    int descriptor = open("/dev/null", O_RDWR);
+    while (descriptor >= 0 && descriptor <= STDERR_FILENO) {
+        descriptor = dup(descriptor);
+    }
+    if (descriptor > STDERR_FILENO) {
+        close(descriptor);
+    }
+    signal(SIGPIPE, SIG_IGN);  // an update goes on when nobody reads its output any more
+    signal(SIGCHLD, SIG_DFL);  // a caller that ignores it would take the utility's exit code from us
+}
+
 uint32_t systemMajorVersion() {
     char path[NATIVE_PATH_SIZE];
-    FILE* file = hostPath("os-version", path) ? openFile(path, OPEN_READ_TEXT) : nullptr;
+    FILE* file = hostPath("os-version", path) ? openNativeFile(path) : nullptr;
     if (file == nullptr) {
         return DEFAULT_SYSTEM_VERSION;
     }

@@ -9,6 +9,10 @@
 
 static constexpr size_t LONG_PATH_SIZE = 4096;
 
+void startPlatform() {
+    // Nothing of what it guards against reaches a program here.
+}
+
 uint32_t systemMajorVersion() {
     // What the program's manifest names counts: without the manifest this is 6 on every newer system.
     return GetVersion() & 0xFF;
