@@ -3,7 +3,7 @@ import subprocess
 import tempfile
 import unittest
 
-from machine import BIN, WINDOWS, WINE, MachineTest, linux_only, port, spelled, windows_only
+from machine import BIN, WINDOWS, WINE, MachineTest, linux_only, port, spelled, wine, windows_only
 
 UNKNOWN = "\ntarnlift.exe: Error - Unknown switch = {} - Return Code=4\n\n"
 MISSING = "\ntarnlift.exe: Error - Invalid use of the {} switch. This switch requires an argument - Return Code=4\n\n"
@@ -85,13 +85,10 @@ class CommandLine(MachineTest):
     def test_an_older_windows_is_refused_and_no_probe_key_is_left(self):
         machine = self.machine()
         self.assertEqual(machine.run("/?")[0], 0)
-        probe = subprocess.run([*WINE, "reg", "query", r"HKLM\SOFTWARE\VelmarFwupdate"], capture_output=True)
-        self.assertNotEqual(probe.returncode, 0)
-        try:
-            subprocess.run([*WINE, "winecfg", "-v", "win81"], check=True, capture_output=True)
-            self.assertEqual(machine.run(), (9, TOO_OLD))
-        finally:
-            subprocess.run([*WINE, "winecfg", "-v", "win10"], check=True, capture_output=True)
+        self.assertNotEqual(wine("reg", "query", r"HKLM\SOFTWARE\VelmarFwupdate").returncode, 0)
+        self.addCleanup(wine, "winecfg", "-v", "win10")
+        self.assertEqual(wine("winecfg", "-v", "win81").returncode, 0)
+        self.assertEqual(machine.run(), (9, TOO_OLD))
 
     def test_the_program_finds_its_directory_from_anywhere(self):
         machine = self.machine(port(), name="tarnlift with blanks ")

@@ -49,7 +49,7 @@ class Downloads(MachineTest):
         self.assertEqual(machine.calls(), [LIST, "download n=1 i=M\\firmware\\a.grp"])
         self.assertIn(f"Firmware=14.2.1.1, Boot Code=, Boot Enabled=0, {REBOOT}, FLASH PART=FP01", machine.run("/q")[1])
         self.assertEqual(machine.run("/update"), (1, end("No updates required", 1)))
-        self.assertEqual(list((machine.path / "temp").iterdir()), [])
+        self.assertEqual(machine.left_in_temp(), [])
 
     def test_a_reply_gives_code_rows_and_advice(self):
         succeeded, failed = "All required updates succeeded", "Error - all required updates failed"

@@ -12,7 +12,7 @@ class Hostile(MachineTest):
             with self.subTest(script):
                 machine = self.machine(script=script)
                 self.assertEqual(machine.run("/q"), (5, NO_ADAPTERS))
-                self.assertEqual(list((machine.path / "temp").iterdir()), [])
+                self.assertEqual(machine.left_in_temp(), [])
 
     def test_a_utility_that_is_missing_or_no_program(self):
         machine = self.machine()
@@ -20,7 +20,7 @@ class Hostile(MachineTest):
         self.assertEqual(machine.run("/q"), (5, NO_ADAPTERS))
         (machine.path / "winhbcfg.exe").unlink()
         self.assertEqual(machine.run("/q"), (5, NO_ADAPTERS))
-        self.assertEqual(list((machine.path / "temp").iterdir()), [])
+        self.assertEqual(machine.left_in_temp(), [])
         if not WINDOWS:
             self.assertRegex(machine.stderr, "^cannot run .*/winhbcfg.exe: .*\n$")
 

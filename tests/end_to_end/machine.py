@@ -18,6 +18,7 @@ BIN = Path(os.environ["TARNLIFT_BIN"])
 WINDOWS = os.environ.get("TARNLIFT_SYSTEM") == "windows"
 TOP = Path(__file__).resolve().parents[2]
 WINE = [TOP / "tools/wine.sh"] if WINDOWS else []
+WINDOWS_TEMP = r"C:\temp"
 SOURCE_KEY = r"SYSTEM\CurrentControlSet\Services\Eventlog\Application\Velmar Tarnlift"
 TIME = re.compile(r"^(Sun|Mon|Tue|Wed|Thu|Fri|Sat) (Jan|Feb|Mar|Apr|May|Jun|Jul|Aug|Sep|Oct|Nov|Dec) [ 1-3]\d "
                   r"\d\d:\d\d:\d\d \d{4}$", re.MULTILINE)
@@ -25,6 +26,18 @@ MAGIC_AND_SIGNATURE = {64: (0xFEAA0003, 0xF70C), 65: (0xFEAA0005, 0xF7A4), 66: (
 
 linux_only = unittest.skipIf(WINDOWS, "looks at the layer that stands for Windows")
 windows_only = unittest.skipUnless(WINDOWS, "only the real system has it")
+
+
+def wine(*command):
+    """Runs one of the system's own programs."""
+    return subprocess.run([*WINE, *command], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+
+
+if WINDOWS:
+    # Wine's services keep the output of the program that starts them open, so that is not to be one that is read.
+    subprocess.run([*WINE, "cmd", "/c", "exit"], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    (TOP / "build/wine/drive_c/temp").mkdir(exist_ok=True)
+    wine("reg", "add", r"HKCU\Environment", "/v", "TEMP", "/d", WINDOWS_TEMP, "/f")
 
 
 def port(number=1, model="QVa5202", device="E300", fw="14.0.1.1", serial="S1", bus="1", script="", **keys):
@@ -69,18 +82,28 @@ class Machine:
 
     def run(self, *switches, temp=None, env=(), argv0=None, through_path=False):
         """Runs the program in `cwd`. Returns its return code and its output, in which TIME stands for each time."""
-        program = self.path / "tarnlift.exe"
-        temp = spelled(temp or self.path / "temp")
-        environment = {**os.environ, "TARNLIFT_HOST": str(self.path / "host"), "WINEDEBUG": "-all,+eventlog,fixme+advapi"}
-        environment.update({"WINETEMP" if WINDOWS else "TEMP": temp.replace("\\", "\\" if WINDOWS else "/")}, **dict(env))
-        start = {"executable": program} if not WINDOWS else {}
-        command = [argv0 or ("tarnlift.exe" if through_path else program)]
-        if WINDOWS and through_path:
-            command = ["cmd", "/c", "path", spelled(self.path) + "&", "tarnlift.exe"]
-        done = subprocess.run([*WINE, *command, *switches], cwd=self.path / "cwd", env=environment, timeout=120,
+        environment = {**os.environ, "TARNLIFT_HOST": str(self.path / "host"), "WINEDEBUG": "-all,+eventlog,fixme+advapi",
+                       "TEMP": str(temp or self.path / "temp"), **dict(env)}
+        command, start = [argv0 or self.path / "tarnlift.exe"], {"executable": self.path / "tarnlift.exe"}
+        if through_path:
+            command = ["tarnlift.exe"]
+        if WINDOWS:
+            command, start = [*WINE, *(["cmd", "/c"] * through_path), *command], {}
+            environment["WINEPATH"] = spelled(self.path) if through_path else ""
+            if temp:
+                wine("reg", "add", r"HKCU\Environment", "/v", "TEMP", "/d", spelled(temp), "/f")
+        done = subprocess.run([*command, *switches], cwd=self.path / "cwd", env=environment, timeout=120,
                               stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, **start)
+        if WINDOWS and temp:
+            wine("reg", "add", r"HKCU\Environment", "/v", "TEMP", "/d", WINDOWS_TEMP, "/f")
         self.stderr = done.stderr.decode("latin-1")
         return done.returncode, self.text(done.stdout)
+
+    def left_in_temp(self):
+        """What the program has left in its temp directory. Windows takes TEMP from the user's settings."""
+        if WINDOWS:
+            return list((TOP / "build/wine/drive_c/temp").glob("*"))
+        return list((self.path / "temp").iterdir())
 
     @staticmethod
     def text(content):
@@ -117,9 +140,8 @@ class Machine:
         """The values of the event source's registry key, as name: (type, data); it is gone afterwards."""
         if WINDOWS:
             key = "HKLM\\" + SOURCE_KEY
-            done = subprocess.run([*WINE, "reg", "query", key], capture_output=True)
-            subprocess.run([*WINE, "reg", "delete", key, "/f"], capture_output=True)
-            rows = re.findall(r"^    (.*?)    (REG_\w+)    (.*)$", self.text(done.stdout), re.MULTILINE)
+            rows = re.findall(r"^    (.*?)    (REG_\w+)    (.*)$", self.text(wine("reg", "query", key).stdout), re.MULTILINE)
+            wine("reg", "delete", key, "/f")
             return {name: (kind, str(int(data, 16)) if kind == "REG_DWORD" else data) for name, kind, data in rows}
         directory = self.path / "host/registry/HKEY_LOCAL_MACHINE" / SOURCE_KEY.replace("\\", "/")
         values = {file.name: tuple(file.read_text().splitlines()) for file in directory.glob("*")}

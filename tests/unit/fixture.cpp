@@ -1,10 +1,7 @@
 #include "unit/fixture.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-
-#include <unistd.h>
 
 #include "base/text.h"
 #include "images/clu_image.h"
@@ -13,20 +10,28 @@
 #include "inventory/adapter_families.h"
 #include "inventory/hba_list.h"
 #include "inventory/listing_parser.h"
+#include "platform/platform.h"
 #include "report/output.h"
 #include "run/cleanup.h"
 
 namespace fs = std::filesystem;
 
+// A directory of its own for each test; the process number keeps runs at the same time apart.
+static fs::path makeDirectory() {
+    static int count = 0;
+    fs::path path = fs::temp_directory_path() /
+                    ("tarnlift-unit-" + std::to_string(processNumber()) + "-" + std::to_string(count++));
+    fs::create_directories(path);
+    return path;
+}
+
 RunTest::RunTest() {
-    char name[] = "/tmp/tarnlift-unit-XXXXXX";
-    directory = mkdtemp(name);
+    directory = makeDirectory().string();
     fs::current_path(directory);
-    setenv("TARNLIFT_HOST", (directory + "/host").c_str(), 1);
     initGlobals();
     runOptions.silent = 1;
-    logFile = tmpfile();
-    dbgFile = tmpfile();
+    logFile = fopen("out.test", "w+b");
+    dbgFile = fopen("traces.test", "w+b");
     copyText(binPath, sizeof binPath, ".\\");
     copyText(firmwarePath, sizeof firmwarePath, ".\\");
     copyText(tempFilePath, sizeof tempFilePath, "temp.txt");
@@ -34,25 +39,26 @@ RunTest::RunTest() {
 
 RunTest::~RunTest() {
     cleanup();
-    fs::current_path("/");
+    fs::current_path(fs::path(directory).parent_path());
     fs::remove_all(directory);
 }
 
-static std::string takeText(FILE* file) {
-    std::string text(static_cast<size_t>(ftell(file)), '\0');
-    rewind(file);
+// What was written to the file since the last call: it is read from where that ended to its end.
+static std::string takeText(FILE* file, long& taken) {
+    std::string text(static_cast<size_t>(ftell(file) - taken), '\0');
+    fseek(file, taken, SEEK_SET);
     text.resize(fread(text.data(), 1, text.size(), file));
-    rewind(file);
-    EXPECT_EQ(ftruncate(fileno(file), 0), 0);
+    fseek(file, 0, SEEK_END);
+    taken = ftell(file);
     return text;
 }
 
 std::string RunTest::out() {
-    return takeText(logFile);
+    return takeText(logFile, outTaken);
 }
 
 std::string RunTest::traces() {
-    return takeText(dbgFile);
+    return takeText(dbgFile, tracesTaken);
 }
 
 void RunTest::write(const std::string& name, const std::string& content) {

@@ -15,16 +15,18 @@ struct RunTest : testing::Test {
     RunTest& operator=(const RunTest&) = delete;
 
     // What printOut and printDbg have written since the last call.
-    static std::string out();
-    static std::string traces();
+    std::string out();
+    std::string traces();
 
     // Writes a file in the test's directory, which firmwarePath and binPath name.
     static void write(const std::string& name, const std::string& content);
 
     // Adds a port to gHbaList.
-    static HbaRecord* addPort(uint32_t deviceId, const char* fwVersion, const char* serialNumber = "S1");
+    HbaRecord* addPort(uint32_t deviceId, const char* fwVersion, const char* serialNumber = "S1");
 
     std::string directory;
+    long outTaken = 0;
+    long tracesTaken = 0;
 };
 
 // The 140 bytes of a .grp header.

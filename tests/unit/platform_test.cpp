@@ -1,4 +1,6 @@
 // The Linux side of the seam, as scripts rely on it.
+#include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -16,7 +18,11 @@ static std::string content(const std::string& path) {
     return text.str();
 }
 
-struct Platform : RunTest {};
+struct Platform : RunTest {
+    Platform() {
+        setenv("TARNLIFT_HOST", (directory + "/host").c_str(), 1);
+    }
+};
 
 TEST_F(Platform, CommandLinesAreReadAsTheInterpreterDoes) {
     write("echo.sh", "#!/bin/sh\nfor a in \"$@\"; do printf '[%s]\\n' \"$a\"; done\nexit 7\n");
@@ -49,6 +55,8 @@ TEST_F(Platform, CommandLinesAreReadAsTheInterpreterDoes) {
 }
 
 TEST_F(Platform, SearchMatchesAsTheFileSystemOfItsWorldDoes) {
+    fs::create_directory("searched");
+    fs::current_path("searched");
     for (const char* name : {"a.grp", "B.GRP", "ab.grp", "a.b.grp", "noext", "b.grp"}) {
         write(name, "");
     }
