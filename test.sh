@@ -1,14 +1,23 @@
 #!/usr/bin/env bash
-# Builds everything and runs every test: first under AddressSanitizer and UndefinedBehaviorSanitizer, then on the
-# release programs. Ends with ctest's summary.
+# Builds everything and runs every test: under AddressSanitizer and UndefinedBehaviorSanitizer, on the Windows programs
+# through Wine, and on the release programs of this machine. Ends with ctest's summary.
 set -euo pipefail
 cd "$(dirname "$0")"
 
+run_tests() {
+    echo "== $1"
+    cmake --preset "$1" >/dev/null
+    cmake --build --preset "$1"
+    ctest --preset "$1" -j "$(nproc)"
+}
+
 tools/setup.sh test
 tools/check-style.sh
-for preset in sanitize native; do
-    echo "== $preset"
-    cmake --preset "$preset" >/dev/null
-    cmake --build --preset "$preset"
-    ctest --preset "$preset" -j "$(nproc)"
-done
+run_tests sanitize
+if tools/setup.sh windows; then
+    trap 'tools/wine.sh --end' EXIT
+    run_tests windows
+else
+    echo "== windows: left out, since the cross compiler or Wine cannot be installed here"
+fi
+run_tests native

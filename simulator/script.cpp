@@ -6,7 +6,6 @@ namespace simulator {
 
 namespace {
 
-constexpr uint32_t LARGEST_EXIT_STATUS = 255;  // what a process can hand over on every system
 constexpr uint32_t LONGEST_DELAY = 600000;
 constexpr uint32_t LARGEST_FILLER = 16 * 1024 * 1024;
 
@@ -32,8 +31,8 @@ constexpr unsigned FOR_BOTH = FOR_DOWNLOAD | FOR_LISTING;
 
 // clang-format off
 constexpr Option knownOptions[] = {
-    {"exit=N", FOR_BOTH, {.number = &Script::exitStatus, .limit = LARGEST_EXIT_STATUS},
-        "exit status, 0 to 255"},
+    {"exit=N", FOR_BOTH, {.number = &Script::exitStatus, .limit = UINT32_MAX},
+        "exit status, up to 4294967295 (-1); Linux hands on the low 8 bits"},
     {"delay=N", FOR_BOTH, {.number = &Script::delay, .limit = LONGEST_DELAY},
         "wait N milliseconds first, up to 600000"},
     {"crash", FOR_BOTH, {.flag = &Script::crash},

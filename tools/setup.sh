@@ -1,6 +1,9 @@
 #!/usr/bin/env bash
-# Installs what is missing to build, test and show the program on a Debian machine.
-# Usage: tools/setup.sh build|test
+# Installs what is missing on a Debian machine.
+# Usage: tools/setup.sh build|test|windows
+#   build     to build the programs for this machine
+#   test      to test them as well
+#   windows   to build the Windows programs and run them
 set -euo pipefail
 
 # A command or file that tells that a package is there, and the package.
@@ -9,15 +12,25 @@ needed=(
     "cmake cmake"
     "ninja ninja-build"
 )
-if [ "${1:-build}" = test ]; then
+case "${1:-build}" in
+test)
     needed+=(
         "/usr/include/gtest/gtest.h libgtest-dev"
         "xmllint libxml2-utils"
         "python3 python3-minimal"
         "clang-format clang-format"
-        "clang-tidy clang-tidy"
     )
-fi
+    ;;
+windows)
+    needed+=(
+        "x86_64-w64-mingw32-g++-posix g++-mingw-w64-x86-64-posix"
+        "/usr/src/googletest/googletest googletest"
+        "wine wine"
+        "/usr/lib/wine/wine64 wine64"
+        "zip zip"
+    )
+    ;;
+esac
 
 missing=()
 for row in "${needed[@]}"; do

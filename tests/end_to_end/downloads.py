@@ -1,7 +1,7 @@
 """Updates through the utility: what is called, what is shown, what is counted."""
 import unittest
 
-from machine import MachineTest, port
+from machine import MachineTest, port, windows_only
 
 LIST = "listattr /c"
 REBOOT = 'Firmware Status="Reboot the system to activate new firmware."'
@@ -72,6 +72,14 @@ class Downloads(MachineTest):
                 rows = row(1, status) + row(2, status)
                 self.assertEqual(machine.run("/update"), (code, rows + end(sentence, code, reboot)))
                 self.assertEqual(machine.calls(), [LIST, "download n=1 i=M\\firmware\\a.grp"])
+
+    @windows_only
+    def test_an_exit_status_counts_by_its_low_16_bits(self):
+        for status, words in (65536 + 80, "Success, " + REBOOT), (4294967295, "Success"), (256 + 80, "Success"):
+            machine = self.board(f"@download exit={status}")
+            code, output = machine.run("/update", "/v")
+            self.assertIn(row(1, words), output)
+            self.assertIn(f"Command Return Code = {status % 65536} - ", output)
 
     def test_a_release_to_be_loaded_twice_is_told_with_each_later_board(self):
         machine = self.machine(port(1, script="@download exit=87"), port(2), port(3, serial="S2"),

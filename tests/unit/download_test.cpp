@@ -88,7 +88,7 @@ TEST_F(Download, ACommandLineThatDoesNotFitIsNotRun) {
         EXPECT_EQ(executeUtilityCommand(std::string(length, 'a').c_str(), utilityOutput, &status), length > room);
         testing::internal::GetCapturedStderr();
         EXPECT_STREQ(utilityOutput, "");
-        EXPECT_EQ(status, 1);
+        EXPECT_TRUE(length == room || status == 1) << status;
         EXPECT_EQ(traces().find("too long, not executed") != std::string::npos, length > room) << length;
     }
 }

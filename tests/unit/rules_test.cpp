@@ -176,7 +176,9 @@ TEST_F(Rules, AutoTakesTheRightImageOfTheDirectory) {
     runOptions.autoSelect = 1;
     for (const auto& c : cases) {
         for (const auto& entry : std::filesystem::directory_iterator(".")) {
-            std::filesystem::remove_all(entry);
+            if (entry.path().extension() == ".grp") {
+                std::filesystem::remove(entry);
+            }
         }
         for (const char* version : c.images) {
             write(std::string(version) + ".grp", grpFile(c.family, version));
