@@ -8,7 +8,7 @@ cd "$(dirname "$0")"
 tools/setup.sh build
 mkdir -p build
 {
-    cmake --preset native -DBUILD_TESTING=OFF
+    cmake --preset native
     cmake --build --preset native --target tarnlift winhbcfg mkgrp
 } >build/demo-build.log 2>&1 || { cat build/demo-build.log; exit 1; }
 
