@@ -144,22 +144,42 @@ int isEqualOrHigherThanTestVersion(uint32_t majorVer, uint32_t minorVer, uint32_
     return status;
 }
 
-CLUImage* insertCLUImage(CLUImage* image, CLUImage* head) {
+// Merges two sorted lists. Of equal images those of `first` come first.
+static CLUImage* mergeCLUImageLists(CLUImage* first, CLUImage* second) {
+    CLUImage* head = nullptr;
+    CLUImage** end = &head;
+    while (first != nullptr && second != nullptr) {
+        CLUImage** next = isGreaterCNAVersion(second, first) == 1 ? &second : &first;
+        *end = *next;
+        end = &(*next)->next;
+        *next = *end;
+    }
+    *end = first != nullptr ? first : second;
+    return head;
+}
+
+CLUImage* sortCLUImageList(CLUImage* head) {
+    static constexpr size_t MOST_RUNS = 32;
+    CLUImage* runs[MOST_RUNS] = {};  // runs[i] is a sorted list of 2 to the power of i images, or empty
+    while (head != nullptr) {
+        CLUImage* run = head;
+        head = head->next;
+        run->next = nullptr;
+        size_t i = 0;
+        for (; i < MOST_RUNS - 1 && runs[i] != nullptr; i++) {
+            run = mergeCLUImageLists(runs[i], run);
+            runs[i] = nullptr;
+        }
+        runs[i] = mergeCLUImageLists(runs[i], run);
+    }
+    for (CLUImage* run : runs) {
+        head = mergeCLUImageLists(run, head);
+    }
     CLUImage* before = nullptr;
-    CLUImage* behind = head;
-    while (behind != nullptr && isGreaterCNAVersion(image, behind) != 1) {
-        before = behind;
-        behind = behind->next;
+    for (CLUImage* image = head; image != nullptr; image = image->next) {
+        image->prev = before;
+        before = image;
     }
-    image->prev = before;
-    image->next = behind;
-    if (behind != nullptr) {
-        behind->prev = image;
-    }
-    if (before == nullptr) {
-        return image;
-    }
-    before->next = image;
     return head;
 }
 

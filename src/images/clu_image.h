@@ -22,9 +22,9 @@ int isEqualOrHigherThanTestVersion(uint32_t majorVer, uint32_t minorVer, uint32_
                                    uint32_t testMajorVer, uint32_t testMinorVer, uint32_t testReleaseVer,
                                    uint32_t testBuildVer);
 
-// Inserts an image, whose links are null, into a list in descending order, behind those that are equal to it. Returns
-// the list's new head.
-CLUImage* insertCLUImage(CLUImage* image, CLUImage* head);
+// Brings a list, of which only the links forward count, into descending order; images that are equal keep their order.
+// Returns the list's new head. Takes n log n steps.
+CLUImage* sortCLUImageList(CLUImage* head);
 
 // Frees every record of the list.
 void freeCLUImageList(CLUImage* head);

@@ -46,17 +46,17 @@ static void completeImage(CLUImage* image, const char* fileName) {
     printDbg("\n[makeFileNameList] asicRevisionId = 0x%x\n", image->asicRevisionId);
 }
 
-// Adds a verified image to the list as a record of its own; without memory for one the file is left out.
-static CLUImage* addToList(const CLUImage* verified, const char* fileName, CLUImage* head) {
+// Puts a verified image as a record of its own at the end of the list; without memory for one the file is left out.
+// Returns where the next one goes.
+static CLUImage** addToList(CLUImage** end, const CLUImage* verified, const char* fileName) {
     CLUImage* image = static_cast<CLUImage*>(malloc(sizeof(CLUImage)));
     if (image == nullptr) {
-        return head;
+        return end;
     }
     *image = *verified;
-    image->next = nullptr;
-    image->prev = nullptr;
     completeImage(image, fileName);
-    return insertCLUImage(image, head);
+    *end = image;
+    return &image->next;
 }
 
 // Reads the header of one entry of the directory. Returns true when it is a firmware image.
@@ -97,16 +97,17 @@ CLUImage* makeFileNameList(const char* directory, uint32_t* status, uint32_t ima
         return nullptr;
     }
     CLUImage* head = nullptr;
+    CLUImage** end = &head;
     *status = CATALOGUE_EMPTY;
     do {
         CLUImage image;
         if (verifyEntry(directory, &entry, imageClass, &image)) {
             *status = CATALOGUE_READ;
-            head = addToList(&image, entry.name, head);
+            end = addToList(end, &image, entry.name);
         }
     } while (nextDirectoryEntry(search, &entry));
     closeDirectorySearch(search);
-    return head;
+    return sortCLUImageList(head);
 }
 
 int initFileImage(CLUImage* image, const char* directory, const char* fileName, uint32_t imageClass) {

@@ -1,6 +1,7 @@
 // Versions, .grp headers and the list of the firmware directory.
 #include <array>
 #include <filesystem>
+#include <vector>
 
 #include "images/clu_image.h"
 #include "images/grp_reader.h"
@@ -193,6 +194,27 @@ TEST_F(Images, DirectoryBecomesASortedList) {
         image = image->next;
     }
     EXPECT_EQ(image, nullptr);
+}
+
+TEST_F(Images, SortingKeepsTheOrderOfEqualImages) {
+    for (size_t count : {0, 1, 2, 3, 7, 64, 1000}) {
+        std::vector<CLUImage> images;
+        for (size_t i = 0; i < count; i++) {
+            images.push_back(fileImage(static_cast<uint32_t>(64 + i * 7 % 3), std::to_string(i * 31 % 17) + ".0.0.0"));
+            images.back().extType = static_cast<uint32_t>(i);  // the place in which it came
+        }
+        for (size_t i = 0; i + 1 < count; i++) {
+            images[i].next = &images[i + 1];
+        }
+        CLUImage* head = sortCLUImageList(count == 0 ? nullptr : images.data());
+        size_t found = 0;
+        for (const CLUImage* image = head; image != nullptr; image = image->next, found++) {
+            const CLUImage* before = image->prev;
+            int order = before == nullptr ? 1 : isGreaterCNAVersion(before, image);
+            EXPECT_TRUE(order == 1 || (order == 0 && before->extType < image->extType)) << found << " of " << count;
+        }
+        EXPECT_EQ(found, count);
+    }
 }
 
 TEST_F(Images, DirectoriesThatCannotBeReadHaveAStatus) {
