@@ -16,6 +16,7 @@ tools/check-style.sh
 run_tests sanitize
 if tools/setup.sh windows; then
     trap 'tools/wine.sh --end' EXIT
+    tools/wine.sh cmd /c exit  # makes the prefix, before tests ask for it side by side
     run_tests windows
 else
     echo "== windows: left out, since the cross compiler or Wine cannot be installed here"

@@ -15,11 +15,15 @@ fi
 if [ ! -e "$WINEPREFIX/ready" ]; then
     rm -rf "$WINEPREFIX"
     mkdir -p "$WINEPREFIX"
-    wineboot --init >/dev/null 2>&1
+    wineboot --init </dev/null >/dev/null 2>&1
     wine winecfg -v win10 >/dev/null 2>&1
     wineserver --wait
     touch "$WINEPREFIX/ready"
 fi
-# Without it each program would start the whole of Wine anew, which takes ten times as long as the program.
-wineserver --persistent 2>/dev/null || true
+# Wine stays, since each program would otherwise start the whole of it anew, which takes ten times as long as the program.
+# Its services keep the streams of whoever starts them, so that is not to be a program whose output somebody reads.
+if ! wineserver --kill=0 2>/dev/null; then
+    wineserver --persistent
+    wine cmd /c exit </dev/null >/dev/null 2>&1
+fi
 exec wine "$@"

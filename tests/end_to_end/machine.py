@@ -34,8 +34,7 @@ def wine(*command):
 
 
 if WINDOWS:
-    # Wine's services keep the output of the program that starts them open, so that is not to be one that is read.
-    subprocess.run([*WINE, "cmd", "/c", "exit"], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    wine("cmd", "/c", "exit")
     (TOP / "build/wine/drive_c/temp").mkdir(exist_ok=True)
     wine("reg", "add", r"HKCU\Environment", "/v", "TEMP", "/d", WINDOWS_TEMP, "/f")
 
