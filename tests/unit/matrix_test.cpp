@@ -33,6 +33,8 @@ TEST_F(Matrix, TheLastLineForTheModelDecides) {
         {"/ QVa5202 a.grp\n  / QVa5202 a.grp\n\n \t\n", "QVa5202", 0xE300, 0, "NONE", "NONE", 0},
         {"qva5202 \t A.Grp boot.grp x\r\n", "QVa5202", 0xE300, 1, "A.Grp", "NONE", 1},
         {"  QVa5202 a.grp", "QVa5202", 0xE300, 1, "a.grp", "NONE", 1},
+        {"\n", "NONE", 0xE300, 0, "NONE", "NONE", 0},
+        {"/x a.grp\n", "/x", 0xE300, 0, "NONE", "NONE", 0},
         {"QVa5202 a.grp\nQVa5202\n", "QVa5202", 0xE300, 1, "NONE", "NONE", 2},
         {"QVa5202\nQVa6100 b.grp\nQVa5202 a.grp\n", "QVa5202", 0xE300, 1, "a.grp", "NONE", 2},
         {"QVa52021 a.grp\nQVa520 a.grp\n", "QVa5202", 0xE300, 0, "NONE", "NONE", 0},
@@ -56,6 +58,7 @@ TEST_F(Matrix, TheLastLineForTheModelDecides) {
         char bcFile[MATRIX_TOKEN_SIZE];
         runCounters.knownHbaCount = 0;
         EXPECT_EQ(getFwMatrixMatch(&hba, fwFile, bcFile), c.found);
+        EXPECT_EQ(traces().find("No match found!") == std::string::npos, c.found);
         EXPECT_EQ(fwFile, c.fwFile);
         EXPECT_EQ(bcFile, c.bcFile);
         EXPECT_EQ(runCounters.knownHbaCount, c.matches);
