@@ -49,6 +49,7 @@ class Downloads(MachineTest):
         self.assertEqual(machine.calls(), [LIST, "download n=1 i=M\\firmware\\a.grp"])
         self.assertIn(f"Firmware=14.2.1.1, Boot Code=, Boot Enabled=0, {REBOOT}, FLASH PART=FP01", machine.run("/q")[1])
         self.assertEqual(machine.run("/update"), (1, end("No updates required", 1)))
+        self.assertIn("\ntarnlift.exe: A firmware update was not required on HBA: QVa5202\n", machine.run("/v", "/update")[1])
         self.assertEqual(machine.left_in_temp(), [])
 
     def test_a_reply_gives_code_rows_and_advice(self):
@@ -92,10 +93,13 @@ class Downloads(MachineTest):
                                                   "Please reboot system to activate new firmware.\n\n"))
 
     def test_a_port_of_no_grp_family_shares_nothing(self):
-        machine = self.board('@download exit=80 reply="NO Error"', "@download exit=107 reply=bad", device="1111")
-        rows = row(1, "Success", new=".2.1.1") + row(2, "Error", new=".2.1.1")
-        self.assertEqual(machine.run("/ff"), (3, rows + end("Error - some required firmware downloads failed", 3)))
-        self.assertEqual(len(machine.calls()), 3)
+        machine = self.machine(port(1, device="1111", script='@download exit=80 reply="NO Error"'),
+                               port(2, device="1111", script="@download exit=107 reply=bad"),
+                               port(3, serial="S2", script="@download exit=80"),
+                               matrix="QVa5202 a.grp\n", images=[(64, "14.2.1.1", "a.grp")])
+        rows = row(1, "Success", new=".2.1.1") + row(2, "Error", new=".2.1.1") + row(3, "Success, " + REBOOT)
+        self.assertEqual(machine.run("/ff"), (3, rows + end("Error - some required firmware downloads failed", 3, True)))
+        self.assertEqual(len(machine.calls()), 4)
 
     def test_ports_without_an_image_are_failures_of_their_own_kind(self):
         for matrix, row_text, text in [
@@ -106,13 +110,14 @@ class Downloads(MachineTest):
                 ("QVa5202 short.grp\n", "NONE", "Error - invalid firmware file found for HBA = QVa5202, status = C5"),
                 ("QVa5202 dir.grp\n", "NONE", "Error - reading firmware image for HBA = QVa5202, status = C7")]:
             with self.subTest(matrix):
-                machine = self.machine(port(), port(2, "QVa6100", "F400", serial="S2"), matrix=matrix + "QVa6100 b.grp\n",
+                machine = self.machine(port(), port(2, "QVa6100", "F400", serial="S2", script="@download exit=80"), matrix=matrix + "QVa6100 b.grp\n",
                                        images=[(65, "14.2.1.1", "b.grp")])
                 machine.image(64, "1.2.3.4", "short.grp", size=139)
                 (machine.path / "firmware/dir.grp").mkdir()
                 code, output = machine.run("/q", "/v", "/update")
                 self.assertEqual(code, 3)
                 self.assertIn(f", Supported Firmware={row_text}, Boot Enabled=0\ntarnlift.exe: {text}\n", output)
+                self.assertTrue(output.endswith("Please reboot system to activate new firmware.\n\n"))
                 self.assertNotIn("download n=1", "".join(machine.calls()))
 
     def test_all_ports_without_an_image_end_in_code_7(self):

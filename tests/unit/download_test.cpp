@@ -62,6 +62,29 @@ TEST_F(Download, ALaterPortOfABoardInheritsTheResult) {
     }
 }
 
+TEST_F(Download, AnImageThatHasGoneFailsItsPortAlone) {
+    CLUImage image = fileImage(64, "1.2.3.4");
+    for (bool grp : {true, false}) {
+        for (int xml : {0, 1}) {
+            runCounters = {};
+            runOptions.xml = xml;
+            HbaRecord* hba = addPort(grp ? 0xE300 : 0x1111, "1.0.0.0");
+            HbaRecord* other = addPort(0xE300, "1.0.0.0");
+            out();
+            EXPECT_EQ(executeFwDownload(hba, &image), 1);
+            EXPECT_EQ(hba->fwDownloadStatus, OUTCOME_IMAGE_NOT_OPENED);
+            EXPECT_EQ(hba->downloadStat, static_cast<uint32_t>(grp ? BOARD_FAILED : BOARD_NOT_DOWNLOADED));
+            EXPECT_EQ(other->downloadStat, BOARD_NOT_DOWNLOADED);
+            EXPECT_EQ(runCounters.downloadFailCount, 1);
+            EXPECT_EQ(runCounters.boardFailCount, grp);
+            EXPECT_EQ(runCounters.boardDownloadCount, grp);
+            const char* shown =
+                xml ? "<VersionChange update=\"false\"" : "Status=Error: unable to open firmware image!\n";
+            EXPECT_NE(out().find(shown), std::string::npos);
+        }
+    }
+}
+
 TEST_F(Download, ABoardIsSerialNumberBusAndDomain) {
     HbaRecord* first = addPort(0xE300, "1.0.0.0", "AB1");
     HbaRecord* same = addPort(0xF400, "1.0.0.0", "ab1");
