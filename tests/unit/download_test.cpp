@@ -115,19 +115,3 @@ TEST_F(Download, ACommandLineThatDoesNotFitIsNotRun) {
         EXPECT_EQ(traces().find("too long, not executed") != std::string::npos, length > room) << length;
     }
 }
-
-TEST_F(Download, ALongRowStaysInsideItsField) {
-    write("1.2.3.4.grp", grpFile(64, "1.2.3.4"));
-    CLUImage image = fileImage(64, "1.2.3.4");
-    HbaRecord* hba = addPort(0xE300, "1.0.0.0");
-    memset(hba->model, 'M', sizeof hba->model - 1);
-    memset(hba->portWwn, 'W', sizeof hba->portWwn - 1);
-    memset(hba->portType, 'T', sizeof hba->portType - 1);
-    hba->downloadStat = BOARD_DOWNLOAD_TWICE;
-    runOptions.silent = 1;
-    for (int i = 0; i < 3; i++) {
-        EXPECT_EQ(executeFwDownload(hba, &image), 0);
-        EXPECT_LT(strlen(hba->downloadRow), sizeof hba->downloadRow);
-        EXPECT_EQ(hba->downloadStat, static_cast<uint32_t>(BOARD_DOWNLOAD_TWICE));
-    }
-}
