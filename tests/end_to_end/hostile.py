@@ -65,6 +65,11 @@ class Hostile(MachineTest):
         machine = self.machine(port(), matrix="\r\n".join(lines), images=[(64, "14.2.1.1", "a.grp")])
         self.assertEqual(machine.run("/update")[0], 0)
 
+    def test_a_file_name_of_the_table_runs_no_command(self):
+        machine = self.machine(port(), matrix='QVa5202 x"&cd>hit&"\\..\\a.grp\n', images=[(64, "14.2.1.1", "a.grp")])
+        self.assertEqual(machine.run("/update")[0], 7)
+        self.assertEqual((machine.calls(), list((machine.path / "cwd").iterdir())), (["listattr /c"], []))
+
     def test_cut_listings_lose_no_port(self):
         blocks = [port(1), port(2, serial="S2")]
         machine = self.machine()

@@ -4,7 +4,9 @@
 
 FILE* openFile(const char* path, OpenMode mode) {
     static const char* const modes[] = {"r", "rb", "a", "w"};  // by OpenMode
-    return fopen(path, modes[mode]);
+    // No file has a quotation mark in its name, but this system takes `x"&command&"\..` out of a path without a look at
+    // it. In the command line for the utility such a path would end the marks around it, and run the command.
+    return strchr(path, '"') == nullptr ? fopen(path, modes[mode]) : nullptr;
 }
 
 int removeFile(const char* path) {
