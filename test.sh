@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds everything and runs every test: under AddressSanitizer and UndefinedBehaviorSanitizer, on the Windows programs
-# through Wine, and on the release programs of this machine. Ends with ctest's summary.
+# through Wine, a few seconds of each fuzz target, the readers of the sources, and last the release programs of this
+# machine. Ends with ctest's summary.
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -21,4 +22,7 @@ if tools/setup.sh windows; then
 else
     echo "== windows: left out, since the cross compiler or Wine cannot be installed here"
 fi
+tools/fuzz.sh 3
+cmake --preset native >/dev/null
+tools/check-sources.sh
 run_tests native

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Installs what is missing on a Debian machine.
-# Usage: tools/setup.sh build|test|windows
+# Usage: tools/setup.sh build|test|fuzz|windows
 #   build     to build the programs for this machine
 #   test      to test them as well
+#   fuzz      to build the fuzz targets
 #   windows   to build the Windows programs and run them
 set -euo pipefail
 
@@ -19,6 +20,16 @@ test)
         "xmllint libxml2-utils"
         "python3 python3-minimal"
         "clang-format clang-format"
+        "clang-tidy clang-tidy"
+        "cppcheck cppcheck"
+    )
+    ;;
+fuzz)
+    needed+=(
+        "clang++ clang"
+        "/usr/lib/llvm-14/lib/clang libclang-rt-14-dev"
+        "/usr/include/gtest/gtest.h libgtest-dev"
+        "python3 python3-minimal"
     )
     ;;
 windows)

@@ -70,14 +70,5 @@ class Hostile(MachineTest):
         self.assertEqual(machine.run("/update")[0], 7)
         self.assertEqual((machine.calls(), list((machine.path / "cwd").iterdir())), (["listattr /c"], []))
 
-    def test_cut_listings_lose_no_port(self):
-        blocks = [port(1), port(2, serial="S2")]
-        machine = self.machine()
-        for length in range(4, len("\n".join(blocks)), 61):
-            machine.set_ports(*blocks, script=f"@listattr cut={length}")
-            code, output = machine.run("/q")
-            self.assertIn(code, (0, 2, 3))
-            self.assertEqual(output.count("\nHBA="), 1 + (length >= len(blocks[0]) + 4), length)
-
 
 unittest.main()

@@ -123,29 +123,6 @@ TEST_F(Images, HeadersAreTriedFamilyByFamilyAndTracedByWhatIsWrong) {
     }
 }
 
-TEST_F(Images, FilesThatAreNoImagesHaveAStatusEach) {
-    write("short.grp", std::string(139, '\0'));
-    write("empty.grp", "");
-    write("plain.bin", grpFile(64, "1.2.3.4"));
-    std::filesystem::create_directory("folder.grp");
-    const struct {
-        const char* name;
-        uint32_t extType;
-        int status;
-    } cases[] = {
-        {"short.grp", 14, RM_STATUS_ERROR_SHORT_FWIMAGE},   {"empty.grp", 14, RM_STATUS_ERROR_SHORT_FWIMAGE},
-        {"gone.grp", 14, RM_STATUS_ERROR_READING_RESOURCE}, {"folder.grp", 14, RM_STATUS_ERROR_READING_RESOURCE},
-        {"plain.bin", 14, RM_STATUS_ERROR_INCOMP_IMAGE},    {"plain.bin", 0, RM_STATUS_NO_FIRMWARE_NAME},
-        {nullptr, 14, RM_STATUS_INVALID_ARGUMENT},
-    };
-    for (const auto& c : cases) {
-        CLUImage image = {};
-        image.extType = c.extType;
-        EXPECT_EQ(verifyFwFile(c.name, &image), c.status) << (c.name == nullptr ? "null" : c.name);
-        EXPECT_EQ(image.imageType, 0U);
-    }
-}
-
 TEST_F(Images, DirectoryBecomesASortedList) {
     const std::string name63 = std::string(59, 'n') + ".grp";
     write("a.grp", grpFile(65, "14.0.1.1"));

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include "base/text.h"
-#include "base/utf8.h"
 
 TEST(Text, ReadsNumbersAsA32BitUnsignedLong) {
     const struct {
@@ -51,37 +50,5 @@ TEST(Text, NothingIsWrittenBehindABuffer) {
         appendText(out, size, "z12345");
         EXPECT_EQ(out, std::string("xyz12345").substr(0, size - 1)) << size;
         EXPECT_EQ(out[size], '#') << size;
-    }
-}
-
-TEST(Text, OnlyAsciiLettersFold) {
-    EXPECT_TRUE(equalsIgnoringCase("QVa5202[", "qvA5202["));
-    EXPECT_FALSE(equalsIgnoringCase("a{", "a["));
-    EXPECT_FALSE(equalsIgnoringCase("\xE4", "\xC4"));
-    EXPECT_FALSE(equalsIgnoringCase("abc", "ab"));
-    EXPECT_TRUE(beginsIgnoringCase("RamDrive=x", "ramdrive"));
-    EXPECT_FALSE(beginsIgnoringCase("ram", "ramdrive"));
-}
-
-TEST(Text, KnowsWellFormedUtf8) {
-    const struct {
-        const char* text;
-        size_t length;
-    } cases[] = {
-        {"a", 1},
-        {"", 0},
-        {"\xC3\xA4", 2},
-        {"\xE2\x82\xAC", 3},
-        {"\xF0\x9F\x98\x80", 4},
-        {"\x80", 0},
-        {"\xC0\x80", 0},
-        {"\xC3", 0},
-        {"\xE0\x80\x80", 0},
-        {"\xED\xA0\x80", 0},
-        {"\xF4\x90\x80\x80", 0},
-        {"\xE2\x82", 0},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(utf8SequenceLength(c.text), c.length) << testing::PrintToString(c.text);
     }
 }
