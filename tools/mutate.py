@@ -3,7 +3,7 @@
 
 Usage: tools/mutate.py [FILE ...]        files of src/; without one, all that decide
 
-Works on a copy in build/mutate, so the tree stays as it is. Each mutant is built and run against the unit tests and,
+Needs rsync. Works on a copy in build/mutate, so the tree stays as it is. Each mutant is built and run against the unit tests and,
 when those notice nothing, against the end-to-end tests. Ends with exit status 1 when a mutant survives that is not in
 tools/mutants-that-change-nothing.txt.
 """
@@ -67,7 +67,8 @@ def killed_by():
 def main():
     files = sys.argv[1:] or FILES
     COPY.mkdir(parents=True, exist_ok=True)
-    subprocess.run(f"git ls-files -z | rsync -a --from0 --files-from=- ./ {COPY}/", shell=True, cwd=TOP, check=True)
+    # By content, and without the files' times: what the last run left mutated has to be built anew.
+    subprocess.run(f"git ls-files -z | rsync -rlp --checksum --from0 --files-from=- ./ {COPY}/", shell=True, cwd=TOP, check=True)
     subprocess.run(["cmake", "-S", COPY, "-B", BUILD, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug"], check=True,
                    stdout=subprocess.DEVNULL)
     subprocess.run(["cmake", "--build", BUILD], check=True, stdout=subprocess.DEVNULL)

@@ -18,7 +18,7 @@ test)
     needed+=(
         "/usr/include/gtest/gtest.h libgtest-dev"
         "xmllint libxml2-utils"
-        "python3 python3-minimal"
+        "python3 python3"
         "clang-format clang-format"
         "clang-tidy clang-tidy"
         "cppcheck cppcheck"
@@ -29,7 +29,7 @@ fuzz)
         "clang++ clang"
         "/usr/lib/llvm-14/lib/clang libclang-rt-14-dev"
         "/usr/include/gtest/gtest.h libgtest-dev"
-        "python3 python3-minimal"
+        "python3 python3"
     )
     ;;
 windows)
