@@ -7,7 +7,7 @@
 #   windows   to build the Windows programs and run them
 set -euo pipefail
 
-# A command or file that tells that a package is there, and the package.
+# What tells that a package is there, a command or a whole path, and the package.
 needed=(
     "g++ g++"
     "cmake cmake"
@@ -46,9 +46,10 @@ esac
 missing=()
 for row in "${needed[@]}"; do
     read -r sign package <<<"$row"
-    if ! command -v "$sign" >/dev/null && ! [ -e "$sign" ]; then
-        missing+=("$package")
-    fi
+    case $sign in
+    /*) [ -e "$sign" ] || missing+=("$package") ;;
+    *) command -v "$sign" >/dev/null || missing+=("$package") ;;
+    esac
 done
 if [ ${#missing[@]} -eq 0 ]; then
     exit 0
