@@ -27,7 +27,7 @@ test)
 fuzz)
     needed+=(
         "clang++ clang"
-        "/usr/lib/llvm-14/lib/clang libclang-rt-14-dev"
+        "/usr/lib/llvm-14/lib/clang/14.0.6/lib/linux/libclang_rt.fuzzer-x86_64.a libclang-rt-14-dev"
         "/usr/include/gtest/gtest.h libgtest-dev"
         "python3 python3"
     )
