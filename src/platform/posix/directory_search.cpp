@@ -9,9 +9,15 @@
 #include "platform/platform.h"
 #include "platform/posix/native_path.h"
 
-// The found entries in their order; a search hands them out one by one.
+// The found entries in their order; a search hands them out one by one. It owns their names, which are kept at their own
+// length, since a directory may hold many.
+struct FoundEntry {
+    char* name;
+    bool isDirectory;
+};
+
 struct DirectorySearch {
-    DirectoryEntry* entries;
+    FoundEntry* entries;
     size_t count;
     size_t next;
 };
@@ -73,8 +79,8 @@ static bool matchesPattern(const char* name, const char* pattern) {
 }
 
 static int compareEntries(const void* left, const void* right) {
-    const char* a = static_cast<const DirectoryEntry*>(left)->name;
-    const char* b = static_cast<const DirectoryEntry*>(right)->name;
+    const char* a = static_cast<const FoundEntry*>(left)->name;
+    const char* b = static_cast<const FoundEntry*>(right)->name;
     size_t i = 0;
     while (a[i] != '\0' && upperCase(a[i]) == upperCase(b[i])) {
         i++;
@@ -86,16 +92,18 @@ static int compareEntries(const void* left, const void* right) {
 static bool addEntry(DirectorySearch* search, size_t* room, const char* name, bool isDirectory) {
     if (search->count == *room) {
         size_t more = *room == 0 ? 64 : 2 * *room;
-        void* grown = realloc(search->entries, more * sizeof(DirectoryEntry));
+        void* grown = realloc(search->entries, more * sizeof(FoundEntry));
         if (grown == nullptr) {
             return false;
         }
-        search->entries = static_cast<DirectoryEntry*>(grown);
+        search->entries = static_cast<FoundEntry*>(grown);
         *room = more;
     }
-    DirectoryEntry* entry = &search->entries[search->count++];
-    copyText(entry->name, sizeof entry->name, name);
-    entry->isDirectory = isDirectory;
+    char* kept = strdup(name);
+    if (kept == nullptr) {
+        return false;
+    }
+    search->entries[search->count++] = {.name = kept, .isDirectory = isDirectory};
     return true;
 }
 
@@ -123,11 +131,11 @@ static void searchDirectory(DirectorySearch* search, const char* directory, char
     }
     bool complete = goesOn && errno == 0;
     closedir(stream);
-    if (!complete) {  // half a directory is worse than none
-        search->count = 0;
+    while (!complete && search->count > 0) {  // half a directory is worse than none
+        free(search->entries[--search->count].name);
     }
     if (search->count > 1) {
-        qsort(search->entries, search->count, sizeof(DirectoryEntry), compareEntries);
+        qsort(search->entries, search->count, sizeof(FoundEntry), compareEntries);
     }
 }
 
@@ -168,11 +176,16 @@ bool nextDirectoryEntry(DirectorySearch* search, DirectoryEntry* entry) {
     if (search->next == search->count) {
         return false;
     }
-    *entry = search->entries[search->next++];
+    const FoundEntry* found = &search->entries[search->next++];
+    copyText(entry->name, sizeof entry->name, found->name);
+    entry->isDirectory = found->isDirectory;
     return true;
 }
 
 void closeDirectorySearch(DirectorySearch* search) {
+    for (size_t i = 0; i < search->count; i++) {
+        free(search->entries[i].name);
+    }
     free(search->entries);
     free(search);
 }

@@ -1,3 +1,5 @@
+#include <cstring>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -33,24 +35,41 @@ int removeFile(const char* path) {
     return nativePath(path, native) ? unlink(native) : -1;
 }
 
+static int peekCharacter(FILE* file) {
+    int c = getc_unlocked(file);
+    ungetc(c, file);
+    return c;
+}
+
 static int readCharacter(FILE* file) {
     int c = getc_unlocked(file);
-    if (c != '\r') {
-        return c;
+    return c == '\r' && peekCharacter(file) == '\n' ? getc_unlocked(file) : c;
+}
+
+// Drops each carriage return in front of a line feed, which may be the file's next character. Returns the length left.
+static size_t joinLineEnds(FILE* file, char* text, size_t length) {
+    const char* end = text + length;
+    const char* from = static_cast<const char*>(memchr(text, '\r', length));
+    if (from == nullptr) {
+        return length;
     }
-    int next = getc_unlocked(file);
-    if (next == '\n') {
-        return next;
+    char* to = text + (from - text);
+    for (; from < end; from++) {
+        if (*from != '\r' || (from + 1 < end ? from[1] : peekCharacter(file)) != '\n') {
+            *to++ = *from;
+        }
     }
-    ungetc(next, file);
-    return c;
+    return static_cast<size_t>(to - text);
 }
 
 size_t readText(FILE* file, char* out, size_t size) {
     size_t length = 0;
-    int c;
-    while (length < size && (c = readCharacter(file)) != EOF) {
-        out[length++] = static_cast<char>(c);
+    while (length < size) {
+        size_t got = fread(out + length, 1, size - length, file);
+        if (got == 0) {
+            break;
+        }
+        length += joinLineEnds(file, out + length, got);
     }
     return length;
 }
