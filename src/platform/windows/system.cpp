@@ -8,6 +8,7 @@
 #include "platform/platform.h"
 
 static constexpr size_t LONG_PATH_SIZE = 4096;
+static constexpr int COMMAND_NOT_RUN = 1;
 
 void startPlatform() {
     // Nothing of what it guards against reaches a program here.
@@ -68,6 +69,21 @@ const char* systemDrive() {
     return value != nullptr ? value : "C:";
 }
 
+// Tells whether the interpreter would see more in the command line than one program with its output on one file. The
+// file's path stands without marks, and a temp directory may have any name.
+static bool isMoreThanOneCommand(const char* commandLine) {
+    bool marked = false;
+    size_t redirections = 0;
+    for (const char* p = commandLine + 1; *p != '\0'; p++) {
+        if (*p == '"') {
+            marked = !marked;
+        } else if (!marked && (*p == '&' || *p == '|' || *p == '<' || (*p == '>' && ++redirections > 1))) {
+            return true;
+        }
+    }
+    return false;
+}
+
 int runCommand(const char* commandLine) {
-    return system(commandLine);
+    return isMoreThanOneCommand(commandLine) ? COMMAND_NOT_RUN : system(commandLine);
 }
