@@ -17,8 +17,8 @@ enum TempFileReading { TEMP_TEXT_READ = 0, TEMP_TEXT_FAILED = 4 };
 
 // Runs the utility with `args` and takes its reply into `outBuf`, which has UTILITY_OUTPUT_SIZE bytes: whole lines as
 // far as they fit, without the last character. Removes the temp file. `returnStatus` gets the low 16 bits of the exit
-// code. A command line that does not fit, or an old temp file that cannot be
-// got rid of: nothing is run, and it reads as a failed run with an empty reply.
+// code. When the command line does not fit, or an old temp file cannot be got rid of, nothing is run, and it reads as a
+// failed run with an empty reply.
 int executeUtilityCommand(const char* args, char* outBuf, uint16_t* returnStatus);
 
 // The same for a long text, which stays in the temp file. The caller reads it by the two operations below and removes
