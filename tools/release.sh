@@ -16,10 +16,13 @@ rm -rf "$staging" "$archive"
 # The simulated utility has the real one's name, so it lies where nobody takes it for it.
 rehearsal="$staging/$name/rehearsal only - simulated adapters"
 mkdir -p "$rehearsal"
-cp build/windows/bin/tarnlift.exe README.md share/fwmatrix.sample.txt "$staging/$name/"
+mkdir -p "$staging/$name/docs" "$staging/$name/share"
+cp build/windows/bin/tarnlift.exe README.md CHANGELOG.md "$staging/$name/"
+cp docs/*.md "$staging/$name/docs/"
+cp -r share/. "$staging/$name/share/"
 cp build/windows/bin/winhbcfg.exe build/windows/bin/mkgrp.exe simulator/adapters.sample.txt "$rehearsal/"
 # Text for an editor of the system that it is for.
-find "$staging" -name '*.txt' -exec sed -i 's/$/\r/' {} +
+find "$staging" -regextype posix-extended -regex '.*\.(txt|md|cmd|ps1)' -exec sed -i 's/\r\?$/\r/' {} +
 
 find "$staging" -exec touch -d "@$(git log -1 --format=%ct)" {} +
 (cd "$staging" && find "$name" -type f | LC_ALL=C sort | TZ=UTC zip -q -X -9 "$archive" -@)

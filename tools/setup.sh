@@ -18,6 +18,8 @@ test)
     needed+=(
         "/usr/include/gtest/gtest.h libgtest-dev"
         "xmllint libxml2-utils"
+        "xsltproc xsltproc"
+        "chromium chromium"
         "python3 python3"
         "clang-format clang-format"
         "clang-tidy clang-tidy"
