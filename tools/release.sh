@@ -16,10 +16,8 @@ rm -rf "$staging" "$archive"
 # The simulated utility has the real one's name, so it lies where nobody takes it for it.
 rehearsal="$staging/$name/rehearsal only - simulated adapters"
 mkdir -p "$rehearsal"
-mkdir -p "$staging/$name/docs" "$staging/$name/share"
 cp build/windows/bin/tarnlift.exe README.md CHANGELOG.md "$staging/$name/"
-cp docs/*.md "$staging/$name/docs/"
-cp -r share/. "$staging/$name/share/"
+git archive HEAD docs share deploy/ansible | tar -x -C "$staging/$name"
 cp build/windows/bin/winhbcfg.exe build/windows/bin/mkgrp.exe simulator/adapters.sample.txt "$rehearsal/"
 # Text for an editor of the system that it is for.
 find "$staging" -regextype posix-extended -regex '.*\.(txt|md|cmd|ps1)' -exec sed -i 's/\r\?$/\r/' {} +

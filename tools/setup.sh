@@ -20,6 +20,7 @@ test)
         "xmllint libxml2-utils"
         "xsltproc xsltproc"
         "chromium chromium"
+        "/usr/lib/python3/dist-packages/ansible_collections/ansible/windows ansible"
         "python3 python3"
         "clang-format clang-format"
         "clang-tidy clang-tidy"
