@@ -1,18 +1,13 @@
 #!/usr/bin/env bash
 # Feeds the program what nobody would send it, and looks at what every run must keep to.
-# Usage: tools/fuzz.sh SECONDS [TARGET]
-#   SECONDS   for each target; two run at a time
-#   TARGET    one directory name of tests/fuzz/seeds, all without it
+# Usage: tools/fuzz.sh SECONDS [TARGET]   for each target, two at a time; all directories of tests/fuzz/seeds without one
 # An input that breaks something is left in build/fuzz/, as are the inputs that were found to be worth keeping. To look
 # at one again: build/fuzz/bin/fuzz_TARGET FILE. One that has been mended belongs into the seeds.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-seconds=${1:?how many seconds for each target?}
-targets=("${2:-}")
-if [ -z "${targets[0]}" ]; then
-    mapfile -t targets < <(ls tests/fuzz/seeds)
-fi
+export seconds=${1:?how many seconds for each target?}
+mapfile -t targets < <(basename -a tests/fuzz/seeds/"${2:-}"*)
 
 tools/setup.sh fuzz
 cmake --preset fuzz >/dev/null
@@ -32,5 +27,4 @@ run_target() {
     fi
 }
 export -f run_target
-export seconds
 printf '%s\n' "${targets[@]}" | xargs -P 2 -I{} bash -c 'run_target {}'

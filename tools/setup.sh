@@ -17,6 +17,7 @@ case "${1:-build}" in
 test)
     needed+=(
         "/usr/include/gtest/gtest.h libgtest-dev"
+        "/usr/include/expat.h libexpat1-dev"
         "xmllint libxml2-utils"
         "xsltproc xsltproc"
         "chromium chromium"
@@ -32,6 +33,7 @@ fuzz)
         "clang++ clang"
         "/usr/lib/llvm-14/lib/clang/14.0.6/lib/linux/libclang_rt.fuzzer-x86_64.a libclang-rt-14-dev"
         "/usr/include/gtest/gtest.h libgtest-dev"
+        "/usr/include/expat.h libexpat1-dev"
         "python3 python3"
     )
     ;;

@@ -14,35 +14,21 @@ static void readAdapters(const std::string& bytes) {
     good ? simulator::composeListing(read, true) + simulator::composeFile(read) : "";
 }
 
-// The parts: the operation that fails, switches, listing, matrix, version of an image, reply with its exit status.
-static void runWhole(const std::string& bytes) {
-    const std::vector<std::string> parts = split(bytes + "|||||", '|');
-    machine.failAt = static_cast<size_t>(labs(atoi(parts[0].c_str())));
-    machine.failOnwards = parts[0].starts_with('-');
-    machine.files["listing"] += parts[2];
-    machine.files["C:\\t\\fwmatrix.txt"] += parts[3];
-    machine.files["C:\\t\\firmware\\" + parts[4] + ".grp"] = imageFile(parts[4].size() % 2 != 0, parts[4]);
-    machine.replies.insert(machine.replies.begin(), {atoi(parts[5].c_str()), parts[5]});
-    judgedRun(split(parts[1], ' '));
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const char* data, size_t size) {
     const std::string bytes(data, size), target = TARGET;
     const std::map<std::string, std::pair<std::string, std::vector<std::string>>> targets = {
-        {"listing", {"listing", {"/q /xml", "/a /u /xml /xv", "/g /vpd"}}},
+        {"listing", {"the listing", {"/q /xml", "/a /u /xml /xv", "/g /vpd"}}},
         {"image", {"C:\\t\\firmware\\0.grp", {"/iv=C:\\t\\firmware\\0.grp", "/a /ff /xml /xv"}}},
         {"matrix", {"C:\\t\\fwmatrix.txt", {"/u /v /xv", "/e /xml"}}},
         {"rmini", {"C:\\t\\RM.INI", {"/h"}}},
         {"switches", {"unused", {bytes}}},
         {"adapters", {"unused", {""}}},
         {"whole", {"unused", {""}}}};
-    for (const std::string& arguments : targets.at(target).second) {
-        machine = standardMachine();
+    for (const std::string& switches : targets.at(target).second) {
+        machine = machineOf(target == "whole" ? bytes : "0|" + switches + STANDARD);
         machine.files["C:\\t\\vlmdbg.log"] = "";
         machine.files[targets.at(target).first] = bytes;
-        target == "adapters" ? readAdapters(bytes)
-        : target == "whole"  ? runWhole(bytes)
-                             : judgedRun(split(arguments, ' '));
+        target == "adapters" ? readAdapters(bytes) : judgedRun();
     }
     return 0;
 }

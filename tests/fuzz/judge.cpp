@@ -1,17 +1,15 @@
-#include "fuzz/memory_platform.h"
-
 #include <algorithm>
-#include <set>
+#include <utility>
 
+#include <expat.h>
+
+#include "fuzz/memory_platform.h"
 #include "include/run_counters.h"
 #include "include/run_options.h"
 #include "inventory/hba_list.h"
 #include "platform/platform.h"
 
 int tarnliftMain(int argc, char** argv);
-
-static size_t portsWalked;
-static std::map<std::string, int> boards;  // 1 after a download, 2 when its reply was good
 
 std::vector<std::string> split(const std::string& text, char separator) {
     std::vector<std::string> parts = {""};
@@ -21,69 +19,70 @@ std::vector<std::string> split(const std::string& text, char separator) {
     return parts;
 }
 
-#define MUST(truth)                                                                                                    \
-    (truth) ? void() : (fprintf(stderr, "broken when operation %zu fails: %s\n", machine.failAt, #truth), abort())
-
-// From where a document starts, every element is closed, no quote is open, and no control character stands.
-static bool isWellFormed(const std::string& text) {
-    std::vector<std::string> open = {""};
-    size_t at = text.find("<?xml version");
-    bool good = at > text.size() || text.find_first_of("\x01\x02\x07\x08\x0B\x0C\x1B\x1F", at) > text.size();
-    for (; (at = text.find('<', at)) != std::string::npos; at++) {
-        const std::string tag = text.substr(at + 1, text.find_first_of("<>", at + 1) - at - 1);
-        good = good && text[at + 1 + tag.size()] == '>' && (tag[0] != '/' || open.back() == tag.substr(1)) &&
-               std::count(tag.begin(), tag.end(), '"') % 2 == 0;
-        open.resize(open.size() + (tag[0] == '/'                        ? -1UL
-                                   : tag.back() == '/' || tag[0] == '?' ? 0
-                                                                        : 1),
-                    tag.substr(0, tag.find(' ')));
-    }
-    return good && open.size() == 1;
-}
-
 extern "C" void __real__Z11processPortP9HbaRecord(HbaRecord* hba);
 extern "C" void __wrap__Z11processPortP9HbaRecord(HbaRecord* hba) {
-    static const std::set<int> successes = {0, 1, 22, 29}, others = {2, 10, 13, 16};
+    static const std::set<int> successes = {0, 1, 22, 29}, passed = {2, 10, 13, 16};
     const RunCounters before = runCounters;
     const size_t downloads = machine.downloads;
-    machine.lastReply.clear();
+    machine.download = machine.reply = "";
+    machine.port = machine.portEnds.size() + 1;
     __real__Z11processPortP9HbaRecord(hba);
-    portsWalked++;
+    const std::string name = isGrpAdapter(hba) ? hba->serialNumber : "port " + std::to_string(machine.port);
+    const std::string board = name + "/" + std::to_string(hba->busNumber);
+    int& downloaded = machine.boards[board];
+    machine.port = 0;
     const size_t ran = machine.downloads - downloads;
+    const bool attempted = hba->downloadAttempted, previewed = hba->fwDownloadStatus == 17;
     const int outcome = isQueryOnly() ? 2 : hba->fwDownloadStatus;
-    const std::string board = hba->serialNumber + std::string(isGrpAdapter(hba) ? "" : std::to_string(portsWalked)) +
-                              "/" + std::to_string(hba->busNumber);
-    MUST(ran <= (runOptions.preview || isQueryOnly() || boards[board] != 0 ? 0 : 1));
-    boards[board] += ran == 0 ? 0 : machine.lastReply.find("NO Error") != std::string::npos ? 2 : 1;
-    const bool failed = !successes.contains(outcome) && !others.contains(outcome) && outcome != 17;
-    MUST(!successes.contains(outcome) || (boards[board] == 2 && hba->downloadAttempted));
-    MUST(ran == 0 || boards[board] == 2 || failed);
+    MUST(ran <= (runOptions.preview || isQueryOnly() || downloaded != 0 ? 0 : 1));
+    MUST(ran == 0 ||
+         machine.download.find(" download n=" + std::to_string(static_cast<int>(hba->adapterNumber)) + " i=\"") < 300);
+    downloaded += ran == 0 ? 0 : machine.reply.find("NO Error") != std::string::npos ? 2 : 1;
+    const bool succeeded = successes.contains(outcome), failed = !succeeded && !passed.contains(outcome) && !previewed;
+    MUST(!succeeded || (downloaded == 2 && attempted));
+    MUST(!previewed || (runOptions.preview && attempted));
+    MUST(!attempted || !passed.contains(outcome));
+    MUST(ran == 0 || downloaded == 2 || failed);
     MUST(runCounters.downloadFailCount - before.downloadFailCount == failed);
-    MUST(runCounters.downloadAttemptCount - before.downloadAttemptCount == !others.contains(outcome));
+    MUST(runCounters.downloadAttemptCount - before.downloadAttemptCount == !passed.contains(outcome));
+    machine.portEnds.push_back({board, std::to_string(outcome) + machine.download});
 }
 
-void judgedRun(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), "C:\\t\\tarnlift.exe");
+// What a run has shown tells its code, and a document is well formed.
+static void judgeOutput(const char* file, int code) {
+    const std::string text = machine.touched.contains(file) ? "" : machine.files[file];
+    const size_t start = text.find("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"), told = text.rfind(" Return Code=");
+    if (start > text.size()) {
+        MUST(told > text.size() || atoi(text.c_str() + told + 13) == code);
+        MUST(text.empty() || machine.portEnds.empty() || !runOptions.xml);
+    } else if (!runOptions.verbose) {
+        XML_Parser parser = XML_ParserCreate(nullptr);
+        MUST(text.find("<Message id=\"" + std::to_string(code) + "\">") < text.size());
+        MUST(XML_Parse(parser, text.data() + start, static_cast<int>(text.size() - start), 1) == XML_STATUS_OK);
+        XML_ParserFree(parser);
+    }
+}
+
+void judgedRun() {
+    std::vector<std::string> arguments = split("C:\\t\\tarnlift.exe " + machine.switches, ' ');
     std::vector<char*> argv(arguments.size() + 1);
     std::transform(arguments.begin(), arguments.end(), argv.begin(), [](std::string& text) { return text.data(); });
-    FILE* console = stdout;
-    stdout = openFile("stdout", OPEN_WRITE);
-    portsWalked = 0;
-    boards.clear();
+    FILE* console = std::exchange(stdout, openFile("the console", OPEN_WRITE));
+    runOptions = {};
     machine.running = true;
     const int code = tarnliftMain(static_cast<int>(arguments.size()), argv.data());
     machine.running = false;
-    fclose(stdout);
-    stdout = console;
+    fclose(std::exchange(stdout, console));
 
-    const bool query = isQueryOnly();
+    static const std::set<int> stops = {0, 2, 4, 5, 6, 8, 9, 19};
+    const bool query = isQueryOnly(), walked = !machine.portEnds.empty();
     const int all = query ? runCounters.queryCount : runCounters.downloadAttemptCount;
     const int failed = query ? runCounters.queryFailCount : runCounters.downloadFailCount;
     const int counted = failed != 0 ? (failed == all ? 2 : 3) : all != 0 || query ? 0 : 1;
-    MUST((code >= 0 && code <= 9) || code == 19);
-    MUST(portsWalked == 0 || code == (query || runCounters.compatibleImageCount != 0 ? counted : 7));
-    MUST(portsWalked == 0 || machine.listings == 1);
-    MUST(runOptions.verbose || isWellFormed(machine.files["stdout"]));
-    MUST(machine.openFiles == 0 && gHbaList == nullptr);
-    MUST(machine.redirectTouched || !machine.files.contains(machine.redirect));
+    MUST(walked ? code == (query || runCounters.compatibleImageCount != 0 ? counted : 7) : stops.contains(code));
+    MUST(walked || code != 0 || runOptions.help || runOptions.imageVersion || gHbaCount != 0);
+    runOptions.silent ? void() : judgeOutput("the console", code);
+    judgeOutput("run.log", code);
+    MUST((machine.listings == 1 || !walked) && machine.openFiles == 0 && gHbaList == nullptr);
+    MUST(machine.touched.contains(machine.redirect) || !machine.files.contains(machine.redirect));
 }
