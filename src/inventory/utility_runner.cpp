@@ -162,9 +162,10 @@ int getCharacterCountFromTempFile(uint32_t* count) {
     for (size_t length; (length = readText(file, chunk, sizeof chunk)) > 0;) {
         *count += static_cast<uint32_t>(length);
     }
+    bool broken = ferror(file) != 0;
     fclose(file);
     printDbg("Character count = %d\n", *count);
-    return *count == 0 ? TEMP_TEXT_FAILED : TEMP_TEXT_READ;
+    return *count == 0 || broken ? TEMP_TEXT_FAILED : TEMP_TEXT_READ;
 }
 
 int getBufferDataFromTempFile(char* buffer, uint32_t count) {
@@ -174,7 +175,11 @@ int getBufferDataFromTempFile(char* buffer, uint32_t count) {
         return TEMP_TEXT_FAILED;
     }
     size_t length = readText(file, buffer, static_cast<size_t>(count) + 1);
+    bool broken = ferror(file) != 0;
     fclose(file);
+    if (broken) {  // half a port would be taken for a whole one
+        return TEMP_TEXT_FAILED;
+    }
     if (length > 0) {
         buffer[length - 1] = '\0';
     }

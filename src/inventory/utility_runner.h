@@ -25,8 +25,10 @@ int executeUtilityCommand(const char* args, char* outBuf, uint16_t* returnStatus
 // the file.
 int executeUtilityCommandToFile(const char* args, uint16_t* returnStatus);
 
-// Counts the characters of the temp file. Fails when there are none; `count` is left alone when it cannot be opened.
+// Counts the characters of the temp file. Fails when there are none, or when it cannot be read to its end; `count` is
+// left alone when it cannot be opened.
 int getCharacterCountFromTempFile(uint32_t* count);
 
-// Reads the temp file into `buffer`, which has `count` + 1 bytes, all 0; the last character makes way for the NUL.
+// Reads the temp file into `buffer`, which has `count` + 1 bytes, all 0; the last character makes way for the NUL. Fails
+// when it cannot be read to its end.
 int getBufferDataFromTempFile(char* buffer, uint32_t count);

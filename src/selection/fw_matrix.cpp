@@ -160,6 +160,9 @@ int getFwMatrixMatch(const HbaRecord* hba, char* fwFile, char* bcFile) {
             found = 1;
         }
     }
+    if (ferror(gFwMatrixFile) != 0) {  // the last line of a model counts, and it may be among those that were not read
+        found = 0;
+    }
     if (!found) {
         printDbg("No match found!\n");
     }

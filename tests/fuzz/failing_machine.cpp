@@ -39,7 +39,7 @@ int main() {
     for (const std::string& run : split(runs, ',')) {
         MemoryMachine untouched;
         for (size_t i = 0; i < 4 || machine.operations >= i / 2 - 1; i++) {
-            machine = machineOf((i % 2 != 0 ? "-" : "") + std::to_string(i / 2) + "|" + run + STANDARD);
+            machine = machineOf(std::string(i % 2, '-') + std::to_string(i / 2) + "|" + run + STANDARD);
             machine.files[run.ends_with("/xv") ? "C:\\t\\vlmdbg.log" : "unused"] = "";
             judgedRun();
             i < 2 ? void(untouched = machine) : void();
