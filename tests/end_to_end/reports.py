@@ -1,4 +1,4 @@
-"""The XML documents, one for each road that a port can take, compared whole."""
+"""The roads that a port can take, each with its whole XML document and its event."""
 import unittest
 
 from machine import MachineTest, port
@@ -13,13 +13,16 @@ MESSAGES = {0: "Download succeeded.", 1: "Download succeeded. A reboot is requir
             28: "Download failed. This firmware version is not supported on this board model."}
 
 
-def device(content, number=1, model="QVa5202", wwn=None):
-    wwn = wwn or f"10:00:00:00:00:00:00:{number:02X}"
+IMAGES = {"a": "14.2.1.1", "low": "14.0.1.1"}
+
+
+def device(content, number=1, model="QVa5202"):
     return (f'    <Device hba="{model}" portType="FC" venId="1234" devId="E300" subDevId="E311" subVenId="1234" bus="1" '
-            f'device="0" function="0" wwpn="{wwn}">\n{content}    </Device>\n')
+            f'device="0" function="0" wwpn="10:00:00:00:00:00:00:{number:02X}">\n{content}    </Device>\n')
 
 
-def application(status, file="NONE", new="NONE", update=False, fw="14.0.1.1", current=None):
+def application(status, image=None, update=False, fw="14.0.1.1", current=None):
+    file, new = (image + ".grp", IMAGES[image]) if image else ("NONE", "NONE")
     return (f'        <Application componentType="firmware" version="{fw}">\n'
             f'            <SupportedImage file="{file}" version="{new}"/>\n'
             f'            <VersionChange update="{str(update).lower()}" currentVersion="{current or fw}" newVersion="{new}"/>\n'
@@ -27,60 +30,77 @@ def application(status, file="NONE", new="NONE", update=False, fw="14.0.1.1", cu
             '        </Application>\n')
 
 
-def execution(devices, code, sentence, reboot=0):
-    return (f'{PROLOG}<Execution lang="en">\n{devices}    <Message id="{code}"> {sentence} </Message>\n'
-            f'    <RebootRequired>{reboot}</RebootRequired>\n</Execution>\n\n')
+A, LOW, LONG = "QVa5202 a.grp\n", "QVa5202 low.grp\n", f"QVa5202 {'f' * 32}\n"
+NO_FIRMWARE = "No compatible firmware found"
+NOT_REQUIRED = "firmware|FW|WWN|firmware|low.grp|2|Firmware {} is not required."
+NO_IMAGE = "firmware|FW|WWN|13|No compatible firmware image found."
 
-
-MATRIX = "QVa5202 a.grp\n"
-A = {"file": "a.grp", "new": "14.2.1.1"}
-LOW = {"file": "low.grp", "new": "14.0.1.1"}
-NO_FIRMWARE = (7, "No compatible firmware found.")
-
-# What, matrix, firmware images, the port, switches, the port's application, return code and sentence, reboot.
+# What, matrix, firmware images, the port, switches, the port's application, return code and sentence, the event.
 ROADS = [
-    ("passed by", MATRIX, {"a": "14.2.1.1"}, {"fw": "NONE"}, "/update", application(10, fw="NONE"), *NO_FIRMWARE, 0),
-    ("no matrix entry", "", {"a": "14.2.1.1"}, {}, "/update", application(16), *NO_FIRMWARE, 0),
-    ("no file in the entry", "QVa5202\n", {}, {}, "/update", application(19), *NO_FIRMWARE, 0),
-    ("file too long", f"QVa5202 {'f' * 32}\n", {}, {}, "/update", application(25), *NO_FIRMWARE, 0),
-    ("file missing", MATRIX, {}, {}, "/update", application(20), *NO_FIRMWARE, 0),
-    ("file short", "QVa5202 short.grp\n", {}, {}, "/update", application(26), *NO_FIRMWARE, 0),
-    ("matrix, not required", "QVa5202 low.grp\n", {"low": "14.0.1.1"}, {}, "/update", application(2, **LOW), 1,
-     "No updates required.", 0),
-    ("matrix, download", MATRIX, {"a": "14.2.1.1"}, {"script": "@download exit=80"}, "/update",
-     application(1, update=True, **A), 0, "All required updates succeeded.", 1),
-    ("matrix, failed", MATRIX, {"a": "14.2.1.1"}, {"script": "@download exit=92 reply=no"}, "/ff",
-     application(28, **A), 2, "All required firmware downloads failed.", 0),
-    ("matrix, preview", MATRIX, {"a": "14.2.1.1"}, {}, "/p /update", application(17, update=True, **A), 0,
-     "All required updates succeeded.", 0),
-    ("matrix, query too", MATRIX, {"a": "14.2.1.1"}, {}, "/q /rewrite", application(0, update=True, **A), 0,
-     "All required rewrites succeeded.", 0),
-    ("auto, not required", None, {"low": "14.0.1.1"}, {}, "/auto /update", application(2, **LOW), 1,
-     "No updates required.", 0),
-    ("auto, download", None, {"low": "14.0.1.1", "a": "14.2.1.1"}, {}, "/auto /update", application(0, update=True, **A),
-     0, "All required updates succeeded.", 0),
-    ("auto, downgrade", None, {"low": "14.0.1.1", "a": "14.2.1.1"}, {"fw": "14.2.1.1"}, "/auto /downgrade",
-     application(0, update=True, fw="14.2.1.1", **LOW), 0, "All required downgrades succeeded.", 0),
-    ("auto, downgrade failed", None, {"low": "14.0.1.1"}, {"fw": "14.2.1.1", "script": "@download crash"},
-     "/auto /downgrade", application(3, fw="14.2.1.1", **LOW), 2, "All required downgrades failed.", 0),
-    ("auto, nothing lower", None, {"low": "14.0.1.1", "a": "14.2.1.1"}, {}, "/auto /downgrade", application(2, **LOW), 1,
-     "No downgrades required.", 0),
-    ("auto, downgrade without images", None, {}, {}, "/auto /downgrade", application(13), *NO_FIRMWARE, 0),
-    ("auto, update without images", None, {}, {}, "/auto /ff", application(13, current="NONE"), *NO_FIRMWARE, 0),
+    ("passed by", A, "a", {"fw": "NONE"}, "/update", application(10, fw="NONE"), 7, NO_FIRMWARE, ""),
+    ("no matrix entry", "", "a", {}, "/update", application(16), 7, NO_FIRMWARE,
+     "0xC0000A09 FW|WWN|16|fwmatrix.txt model entry not found."),
+    ("no file in the entry", "QVa5202\n", "", {"SFJ": 0}, "/p /update", application(19), 7, NO_FIRMWARE,
+     "0xC0000A10 FW|WWN|19|fwmatrix.txt firmware image entry not found.|NOTE"),
+    ("file too long", LONG, "", {"SFJ": 255}, "/ff", application(25), 7, NO_FIRMWARE,
+     "0xC0000A09 FW|WWN|25|Invalid fwmatrix.txt firmware entry."),
+    ("file missing", A, "", {}, "/update", application(20), 7, NO_FIRMWARE,
+     "0xC0000A12 FW|WWN|a.grp|20|Unable to open firmware file."),
+    ("file of no directory", "QVa5202 x\\y.grp\n", "", {"SFJ": None}, "/update", application(20), 7, NO_FIRMWARE,
+     "0xC0000A13 FW|WWN|y.grp|20|Unable to open firmware file.|NOTE"),
+    ("file of no firmware", "QVa5202 a.bin\n", "", {}, "/update", application(20), 7, NO_FIRMWARE,
+     "0xC0000A12 FW|WWN|a.bin|20|Unable to open firmware file."),
+    ("file short", "QVa5202 short.grp\n", "", {}, "/update", application(26), 7, NO_FIRMWARE,
+     "0xC0000A12 FW|WWN|short.grp|26|Invalid firmware file."),
+    ("matrix, no update", LOW, "low", {}, "/update", application(2, "low"), 1, "No updates required",
+     "0x40000A07 " + NOT_REQUIRED.format("update")),
+    ("matrix, no downgrade", LOW, "low", {"SFJ": 256}, "/downgrade", application(2, "low"), 1, "No downgrades required",
+     "0x40000A08 " + NOT_REQUIRED.format("downgrade") + "|NOTE"),
+    ("matrix, no rewrite", LOW, "low", {"fw": "14.2"}, "/rewrite", application(2, "low", fw="14.2"), 1,
+     "No rewrites required", "0x40000A07 " + NOT_REQUIRED.format("rewrite").replace("FW", "14.2")),
+    ("matrix, download", A, "a", {"script": "@download exit=80"}, "/update", application(1, "a", True), 0,
+     "All required updates succeeded", ""),
+    ("matrix, failed", A, "a", {"script": "@download exit=92 reply=no"}, "/ff", application(28, "a"), 2,
+     "All required firmware downloads failed", ""),
+    ("matrix, preview", A, "a", {}, "/p /update", application(17, "a", True), 0, "All required updates succeeded", ""),
+    ("matrix, query too", LOW, "low", {}, "/q /rewrite", application(0, "low", True), 0,
+     "All required rewrites succeeded", ""),
+    ("auto, no update", None, "low", {}, "/auto /update", application(2, "low"), 1, "No updates required",
+     "0x40000A07 " + NOT_REQUIRED.format("update")),
+    ("auto, download", None, "low a", {}, "/auto /update", application(0, "a", True), 0,
+     "All required updates succeeded", ""),
+    ("auto, rewrite", None, "low", {}, "/auto /rewrite", application(0, "low", True), 0,
+     "All required rewrites succeeded", ""),
+    ("auto, downgrade", None, "low a", {"fw": "14.2.1.1"}, "/auto /downgrade",
+     application(0, "low", True, fw="14.2.1.1"), 0, "All required downgrades succeeded", ""),
+    ("auto, downgrade failed", None, "low", {"fw": "14.2.1.1", "script": "@download crash"}, "/auto /downgrade",
+     application(3, "low", fw="14.2.1.1"), 2, "All required downgrades failed", ""),
+    ("auto, nothing lower", None, "low a", {}, "/auto /downgrade", application(2, "low"), 1, "No downgrades required",
+     "0x40000A07 " + NOT_REQUIRED.format("downgrade")),
+    ("auto, downgrade without images", None, "", {}, "/auto /downgrade", application(13), 7, NO_FIRMWARE,
+     "0x40000A15 " + NO_IMAGE),
+    ("auto, force without images", None, "", {"SFJ": 0}, "/auto /ff", application(13, current="NONE"), 7, NO_FIRMWARE,
+     "0x40000A16 " + NO_IMAGE + "|NOTE"),
 ]
 
 
 class Reports(MachineTest):
-    def test_each_road_has_its_document(self):
-        for what, matrix, images, keys, switches, content, code, sentence, reboot in ROADS:
+    def test_each_road_has_its_document_and_its_event(self):
+        for what, matrix, images, keys, switches, content, code, sentence, event in ROADS:
             with self.subTest(what):
                 machine = self.machine(port(**keys), matrix=matrix,
-                                       images=[(64, version, name + ".grp") for name, version in images.items()])
-                if "short" in what:
-                    machine.image(64, "1.2.3.4", "short.grp", size=139)
+                                       images=[(64, IMAGES[name], name + ".grp") for name in images.split()])
+                machine.image(64, "1.2.3.4", "short.grp", size=139)
+                (machine.path / "firmware/a.bin").write_text("text")
                 result = machine.run("/xml", *switches.split())
-                self.assertEqual(result, (code, execution(device(content), code, sentence, reboot)))
+                reboot = int('status="1"' in content)
+                self.assertEqual(result, (code, f'{PROLOG}<Execution lang="en">\n{device(content)}    <Message id="{code}"> '
+                                          f'{sentence}. </Message>\n    <RebootRequired>{reboot}</RebootRequired>\n'
+                                          '</Execution>\n\n'))
                 self.assert_well_formed(result[1].strip())
+                for word, text in ("FW", "14.0.1.1"), ("WWN", "10:00:00:00:00:00:00:01"), ("NOTE", "Secure Firmware is disabled."):
+                    event = event.replace(word, text)
+                self.assertEqual(machine.events(), [(event[:10], event[11:].split("|"))] if event else [])
 
     def test_an_inventory_has_both_components(self):
         machine = self.machine(port(), port(2, fw="none", serial="S2", Boot_Version="14.0.1.2", Boot_Enabled=1))
@@ -90,10 +110,11 @@ class Reports(MachineTest):
         document = (f'{PROLOG}<Inventory lang="en">\n{device(first)}{device(second, 2)}    <Message id="3"> Some required '
                     'queries failed. </Message>\n</Inventory>\n\n')
         self.assertEqual(machine.run("/q", "/xml"), (3, document))
+        self.assertEqual(machine.events(), [])
 
     def test_a_release_to_be_loaded_twice_is_told_in_the_message(self):
         machine = self.machine(port(script="@download exit=87"), port(2, serial="S2", script="@download exit=87"),
-                               matrix=MATRIX, images=[(64, "14.2.1.1", "a.grp")])
+                               matrix=A, images=[(64, "14.2.1.1", "a.grp")])
         _, document = machine.run("/xml", "/update")
         self.assertIn('    <Message id="0"> All required updates succeeded. 2 adapters include a special firmware release that '
                       'requires the firmware download process to be performed twice. Reboot the system and run tarnlift again '

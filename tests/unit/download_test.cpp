@@ -5,99 +5,110 @@
 #include "include/run_options.h"
 #include "include/working_paths.h"
 #include "inventory/hba_list.h"
+#include "inventory/listing_parser.h"
 #include "inventory/utility_runner.h"
 #include "unit/fixture.h"
 
 struct Download : RunTest {};
 
 TEST_F(Download, TextAndExitStatusGiveTheOutcome) {
-    const struct {
-        bool noError;
-        int exitStatus;
-        uint32_t boardResult;
-        int outcome;
-    } cases[] = {
-        {true, 80, 3, 1},    {true, 87, 4, 22},   {true, 96, 5, 29},    {true, 0, 1, 0},     {true, 92, 1, 0},
-        {false, 89, 2, 23},  {false, 90, 2, 24},  {false, 92, 2, 28},   {false, 98, 2, 30},  {false, 70, 2, 31},
-        {false, 103, 2, 32}, {false, 104, 2, 33}, {false, 105, 2, 34},  {false, 106, 2, 35}, {false, 107, 2, 36},
-        {false, 80, 2, 3},   {false, 0, 2, 3},    {false, 65535, 2, 3},
-    };
-    for (const auto& c : cases) {
-        const ReplyMeaning* meaning = meaningOfReply(c.noError, c.exitStatus);
-        EXPECT_EQ(meaning->boardResult, c.boardResult) << c.exitStatus;
-        EXPECT_EQ(meaning->outcome, c.outcome) << c.exitStatus;
+    for (const auto& [noError, exitStatus, boardResult, outcome] : Rows<bool, int, uint32_t, int>{
+             // clang-format off
+        {true, 80, 3, 1}, {true, 87, 4, 22}, {true, 96, 5, 29}, {true, 0, 1, 0}, {true, 92, 1, 0}, {false, 89, 2, 23},
+        {false, 90, 2, 24}, {false, 92, 2, 28}, {false, 98, 2, 30}, {false, 70, 2, 31}, {false, 103, 2, 32},
+        {false, 104, 2, 33}, {false, 105, 2, 34}, {false, 106, 2, 35}, {false, 107, 2, 36}, {false, 80, 2, 3},
+        {false, 0, 2, 3}, {false, 65535, 2, 3},
+             // clang-format on
+         }) {
+        const ReplyMeaning* meaning = meaningOfReply(noError, exitStatus);
+        EXPECT_EQ(meaning->boardResult, boardResult) << exitStatus;
+        EXPECT_EQ(meaning->outcome, outcome) << exitStatus;
     }
 }
 
 TEST_F(Download, ALaterPortOfABoardInheritsTheResult) {
-    const struct {
-        uint32_t boardResult;
-        uint8_t outcomeBefore;
-        int preview;
-        int result, outcome, failures;
-        const char* rowEnd;
-    } cases[] = {
-        {1, 0, 0, 0, 0, 0, "Success"},   {1, 17, 1, 0, 17, 0, "Preview"},
-        {3, 1, 0, 0, 1, 0, "Success"},   {5, 29, 0, 0, 29, 0, "Success"},
-        {2, 3, 0, 1, 3, 1, "Error"},     {2, 20, 0, 1, 3, 1, "Error"},
-        {2, 28, 0, 1, 28, 1, "Error"},   {2, 36, 0, 1, 36, 1, "Error"},
-        {2, 28, 1, 1, 18, 1, "Preview"}, {4, 22, 0, 0, 22, 0, "to complete the download process.\n"},
-    };
     write("1.2.3.4.grp", grpFile(64, "1.2.3.4"));
     CLUImage image = fileImage(64, "1.2.3.4");
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.boardResult << " with " << int{c.outcomeBefore});
+    for (const auto& [boardResult, outcomeBefore, preview, result, outcome, failures, rowEnd] :
+         Rows<uint32_t, uint8_t, int, int, int, int, const char*>{
+             {1, 0, 0, 0, 0, 0, "Success"},
+             {1, 17, 1, 0, 17, 0, "Preview"},
+             {3, 1, 0, 0, 1, 0, "Success"},
+             {5, 29, 0, 0, 29, 0, "Success"},
+             {2, 3, 0, 1, 3, 1, "Error"},
+             {2, 20, 0, 1, 3, 1, "Error"},
+             {2, 28, 0, 1, 28, 1, "Error"},
+             {2, 36, 0, 1, 36, 1, "Error"},
+             {2, 28, 1, 1, 18, 1, "Preview"},
+             {4, 22, 0, 0, 22, 0, "to complete the download process.\n"},
+             {6, 3, 0, 1, 3, 1, "Error"},
+             {3, 1, 1, 0, 1, 0, "Success"},
+         }) {
+        SCOPED_TRACE(testing::Message() << boardResult << " with " << int{outcomeBefore});
         runCounters = {};
-        runOptions.preview = c.preview;
+        runOptions.preview = preview;
         HbaRecord* hba = addPort(0xE300, "1.0.0.0");
-        hba->downloadStat = c.boardResult;
-        hba->fwDownloadStatus = c.outcomeBefore;
-        EXPECT_EQ(executeFwDownload(hba, &image), c.result);
-        EXPECT_EQ(hba->fwDownloadStatus, c.outcome);
-        EXPECT_TRUE(std::string(hba->downloadRow).ends_with(c.rowEnd)) << hba->downloadRow;
+        hba->downloadStat = boardResult;
+        hba->fwDownloadStatus = outcomeBefore;
+        EXPECT_EQ(executeFwDownload(hba, &image), result);
+        EXPECT_EQ(hba->fwDownloadStatus, outcome);
+        EXPECT_TRUE(std::string(hba->downloadRow).ends_with(rowEnd)) << hba->downloadRow;
         EXPECT_EQ(runCounters.downloadAttemptCount, 1);
         EXPECT_EQ(runCounters.boardDownloadCount, 0);
-        EXPECT_EQ(runCounters.downloadFailCount, c.failures);
-        EXPECT_EQ(runCounters.boardFailCount, c.failures);
+        EXPECT_EQ(runCounters.downloadFailCount, failures);
+        EXPECT_EQ(runCounters.boardFailCount, failures);
     }
 }
 
 TEST_F(Download, AnImageThatHasGoneFailsItsPortAlone) {
     CLUImage image = fileImage(64, "1.2.3.4");
-    for (bool grp : {true, false}) {
-        for (int xml : {0, 1}) {
-            runCounters = {};
-            runOptions.xml = xml;
-            HbaRecord* hba = addPort(grp ? 0xE300 : 0x1111, "1.0.0.0");
-            HbaRecord* other = addPort(0xE300, "1.0.0.0");
-            out();
-            EXPECT_EQ(executeFwDownload(hba, &image), 1);
-            EXPECT_EQ(hba->fwDownloadStatus, OUTCOME_IMAGE_NOT_OPENED);
-            EXPECT_EQ(hba->downloadStat, static_cast<uint32_t>(grp ? BOARD_FAILED : BOARD_NOT_DOWNLOADED));
-            EXPECT_EQ(other->downloadStat, BOARD_NOT_DOWNLOADED);
-            EXPECT_EQ(runCounters.downloadFailCount, 1);
-            EXPECT_EQ(runCounters.boardFailCount, grp);
-            EXPECT_EQ(runCounters.boardDownloadCount, grp);
-            const char* shown =
-                xml ? "<VersionChange update=\"false\"" : "Status=Error: unable to open firmware image!\n";
-            EXPECT_NE(out().find(shown), std::string::npos);
-        }
+    for (auto [grp, xml, shown] :
+         Rows<bool, int, const char*>{{true, 0, "Status=Error: unable to open firmware image!\n"},
+                                      {false, 1, "<VersionChange update=\"false\""},
+                                      {false, 0, "Status=Error: unable to open firmware image!\n"},
+                                      {true, 1, "<VersionChange update=\"false\""}}) {
+        runCounters = {};
+        runOptions.xml = xml;
+        HbaRecord* hba = addPort(grp ? 0xE300 : 0x1111, "1.0.0.0");
+        HbaRecord* other = addPort(0xE300, "1.0.0.0");
+        out();
+        EXPECT_EQ(executeFwDownload(hba, &image), 1);
+        EXPECT_EQ(hba->fwDownloadStatus, OUTCOME_IMAGE_NOT_OPENED);
+        EXPECT_EQ(hba->downloadStat, static_cast<uint32_t>(grp ? BOARD_FAILED : BOARD_NOT_DOWNLOADED));
+        EXPECT_EQ(other->downloadStat, BOARD_NOT_DOWNLOADED);
+        EXPECT_EQ(runCounters.downloadFailCount, 1);
+        EXPECT_EQ(runCounters.boardFailCount + 2 * runCounters.boardDownloadCount, grp ? 3 : 0);
+        EXPECT_NE(out().find(shown), std::string::npos);
     }
 }
 
 TEST_F(Download, ABoardIsSerialNumberBusAndDomain) {
     HbaRecord* first = addPort(0xE300, "1.0.0.0", "AB1");
-    HbaRecord* same = addPort(0xF400, "1.0.0.0", "ab1");
-    HbaRecord* otherBus = addPort(0xE300, "1.0.0.0", "AB1");
-    otherBus->busNumber = 2;
-    HbaRecord* otherSerial = addPort(0xE300, "1.0.0.0", "AB12");
+    const HbaRecord* same = addPort(0xF400, "1.0.0.0", "ab1");
+    HbaRecord* others[] = {addPort(0xE300, "1.0.0.0", "AB1"), addPort(0xE300, "1.0.0.0", "AB1"),
+                           addPort(0xE300, "1.0.0.0", "AB12")};
+    others[0]->busNumber = 2;
+    others[1]->domain = 1;
     first->fwDownloadStatus = 29;
     first->downloadStat = BOARD_ACTIVATED;
     updateCNAdownloadStatus(first);
-    EXPECT_EQ(same->fwDownloadStatus, 29);
-    EXPECT_EQ(same->downloadStat, BOARD_ACTIVATED);
-    EXPECT_EQ(otherBus->downloadStat, BOARD_NOT_DOWNLOADED);
-    EXPECT_EQ(otherSerial->downloadStat, BOARD_NOT_DOWNLOADED);
+    EXPECT_TRUE(same->fwDownloadStatus == 29 && same->downloadStat == BOARD_ACTIVATED);
+    for (const HbaRecord* other : others) {
+        EXPECT_EQ(other->downloadStat, BOARD_NOT_DOWNLOADED);
+    }
+}
+
+TEST_F(Download, ADownloadWhoseTempFileCannotBeOpenedIsTraced) {
+    CLUImage image = fileImage(64, "1.2.3.4");
+    write(image.filename, grpFile(64, "1.2.3.4"));
+    for (const char* path : {"temp.txt", "no\\such\\temp.txt"}) {
+        copyText(tempFilePath, sizeof tempFilePath, path);
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(executeFwDownload(addPort(0xE300, "1.0.0.0"), &image), 1);
+        EXPECT_EQ(traces().find("executeUtilityCommand failed status 1") == std::string::npos, path[0] == 't') << path;
+        EXPECT_EQ(makeHbaList(), LISTING_FAILED);
+        testing::internal::GetCapturedStderr();
+    }
 }
 
 TEST_F(Download, ACommandLineThatDoesNotFitIsNotRun) {

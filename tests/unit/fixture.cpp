@@ -16,17 +16,12 @@
 
 namespace fs = std::filesystem;
 
-// A directory of its own for each test; the process number keeps runs at the same time apart.
-static fs::path makeDirectory() {
-    static int count = 0;
-    fs::path path = fs::temp_directory_path() /
-                    ("tarnlift-unit-" + std::to_string(processNumber()) + "-" + std::to_string(count++));
-    fs::create_directories(path);
-    return path;
-}
-
 RunTest::RunTest() {
-    directory = makeDirectory().string();
+    // A directory of its own for each test; the process number keeps runs at the same time apart.
+    static int count = 0;
+    std::string name = "tarnlift-unit-" + std::to_string(processNumber()) + "-" + std::to_string(count++);
+    directory = (fs::temp_directory_path() / name).string();
+    fs::create_directories(directory);
     fs::current_path(directory);
     initGlobals();
     runOptions.silent = 1;

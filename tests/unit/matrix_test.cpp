@@ -25,28 +25,23 @@ TEST_F(Matrix, TheLastLineForTheModelDecides) {
         std::string text;
         const char* model;
         uint32_t deviceId;
-        int found;
-        std::string fwFile, bcFile;
         int matches;
+        std::string fwFile = "NONE", bcFile = "NONE";
     } cases[] = {
-        {"", "QVa5202", 0xE300, 0, "NONE", "NONE", 0},
-        {"/ QVa5202 a.grp\n  / QVa5202 a.grp\n\n \t\n", "QVa5202", 0xE300, 0, "NONE", "NONE", 0},
-        {"qva5202 \t A.Grp boot.grp x\r\n", "QVa5202", 0xE300, 1, "A.Grp", "NONE", 1},
-        {"  QVa5202 a.grp", "QVa5202", 0xE300, 1, "a.grp", "NONE", 1},
-        {"\n", "NONE", 0xE300, 0, "NONE", "NONE", 0},
-        {"/x a.grp\n", "/x", 0xE300, 0, "NONE", "NONE", 0},
-        {"QVa5202 a.grp\nQVa5202\n", "QVa5202", 0xE300, 1, "NONE", "NONE", 2},
-        {"QVa5202\nQVa6100 b.grp\nQVa5202 a.grp\n", "QVa5202", 0xE300, 1, "a.grp", "NONE", 2},
-        {"QVa52021 a.grp\nQVa520 a.grp\n", "QVa5202", 0xE300, 0, "NONE", "NONE", 0},
-        {"QVa5202 " + name31 + "\n", "QVa5202", 0xE300, 1, name31, "NONE", 1},
-        {"QVa5202 f" + name31 + "\n", "QVa5202", 0xE300, 1, "INVALID_FILE", "NONE", 1},
-        {"QVa5202-X a.grp\n", "QVa5202", 0xE300, 0, "NONE", "NONE", 0},
-        {"QVa5202-X a.grp\n", "QVa5202-X", 0xE300, 1, "a.grp", "NONE", 1},
-        {"QVx1-X a.grp b.grp c.grp\n", "QVx1", 0x1111, 1, "a.grp", "b.grp", 1},
-        {"QVx1-X a.grp b" + name31 + "\n", "QVx1", 0x1111, 1, "a.grp", "INVALID_FILE", 1},
-        {"QVx1\n", "QVx1", 0x1111, 1, "NONE", "NONE", 1},
-        {longLine + "QVa5202 b.grp\n", "QVa5202", 0xE300, 1, "b.grp", "NONE", 2},
-        {std::string(32, 'Q') + " a.grp\n", "QQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQ", 0xE300, 0, "NONE", "NONE", 0},
+        // clang-format off
+        {"/ QVa5202 a.grp\n  / QVa5202 a.grp\n\n \t\n", "QVa5202", 0xE300, 0}, {"", "QVa5202", 0xE300, 0},
+        {"qva5202 \t A.Grp boot.grp x\r\n", "QVa5202", 0xE300, 1, "A.Grp"}, {"\n", "NONE", 0xE300, 0},
+        {"  QVa5202 a.grp", "QVa5202", 0xE300, 1, "a.grp"}, {"/x a.grp\n", "/x", 0xE300, 0}, {"QVx1\n", "QVx1", 0x1111, 1},
+        {"QVa5202 a.grp\nQVa5202\n", "QVa5202", 0xE300, 2}, {"QVa52021 a.grp\nQVa520 a.grp\n", "QVa5202", 0xE300, 0},
+        {"QVa5202\nQVa6100 b.grp\nQVa5202 a.grp\n", "QVa5202", 0xE300, 2, "a.grp"},
+        {"QVa5202 " + name31 + "\n", "QVa5202", 0xE300, 1, name31},
+        {"QVa5202 f" + name31 + "\n", "QVa5202", 0xE300, 1, "INVALID_FILE"}, {"QVa5202-X a.grp\n", "QVa5202", 0xE300, 0},
+        {"QVa5202-X a.grp\n", "QVa5202-X", 0xE300, 1, "a.grp"},
+        {"QVx1-X a.grp b.grp c.grp\n", "QVx1", 0x1111, 1, "a.grp", "b.grp"},
+        {"QVx1-X a.grp b" + name31 + "\n", "QVx1", 0x1111, 1, "a.grp", "INVALID_FILE"},
+        {longLine + "QVa5202 b.grp\n", "QVa5202", 0xE300, 2, "b.grp"},
+        {std::string(32, 'Q') + " a.grp\n", "QQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQ", 0xE300, 0},
+        // clang-format on
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text + " for " + c.model);
@@ -54,11 +49,10 @@ TEST_F(Matrix, TheLastLineForTheModelDecides) {
         HbaRecord hba = {};
         hba.deviceId = c.deviceId;
         copyText(hba.fwMatrixType, sizeof hba.fwMatrixType, c.model);
-        char fwFile[MATRIX_TOKEN_SIZE];
-        char bcFile[MATRIX_TOKEN_SIZE];
+        char fwFile[MATRIX_TOKEN_SIZE], bcFile[MATRIX_TOKEN_SIZE];
         runCounters.knownHbaCount = 0;
-        EXPECT_EQ(getFwMatrixMatch(&hba, fwFile, bcFile), c.found);
-        EXPECT_EQ(traces().find("No match found!") == std::string::npos, c.found);
+        EXPECT_EQ(getFwMatrixMatch(&hba, fwFile, bcFile), c.matches != 0);
+        EXPECT_EQ(traces().find("No match found!") == std::string::npos, c.matches != 0);
         EXPECT_EQ(fwFile, c.fwFile);
         EXPECT_EQ(bcFile, c.bcFile);
         EXPECT_EQ(runCounters.knownHbaCount, c.matches);
@@ -67,22 +61,19 @@ TEST_F(Matrix, TheLastLineForTheModelDecides) {
 
 TEST_F(Matrix, TheEntryCheckReadsFromTheFirstColumn) {
     const std::string unknown = "Found unknown fwmatrix.txt entry = ";
-    const struct {
-        std::string text, printed;
-    } cases[] = {
-        {"", ""},
-        {"/ comment\nQVa5202 a.grp\nqvm5205\r\nQVa7104S\tx\n", ""},
-        {" / comment\n\n", unknown + "\n" + unknown + "\n"},
-        {" QVa5202 a.grp\n", unknown + "\n"},
-        {"QVa5202-X a.grp\n", unknown + "QVa5202-X\n"},
-        {"QVa5202\xE4 a.grp\n", ""},  // the entry ends in front of the byte
-        {std::string(40, 'Q') + "\n", unknown + std::string(31, 'Q') + "\n"},
-        {std::string(300, 'Q'), unknown + std::string(31, 'Q') + "\n" + unknown + std::string(31, 'Q') + "\n"},
-    };
     runOptions.verbose = 1;
-    for (const auto& c : cases) {
-        open(c.text);
+    for (const auto& [text, printed] : Rows<std::string, std::string>{
+             {"", ""},
+             {"/ comment\nQVa5202 a.grp\nqvm5205\r\nQVa7104S\tx\n", ""},
+             {" / comment\n\n", unknown + "\n" + unknown + "\n"},
+             {" QVa5202 a.grp\n", unknown + "\n"},
+             {"QVa5202-X a.grp\n", unknown + "QVa5202-X\n"},
+             {"QVa5202\xE4 a.grp\n", ""},  // the entry ends in front of the byte
+             {std::string(40, 'Q') + "\n", unknown + std::string(31, 'Q') + "\n"},
+             {std::string(300, 'Q'), unknown + std::string(31, 'Q') + "\n" + unknown + std::string(31, 'Q') + "\n"},
+         }) {
+        open(text);
         verifyFWmatrixEntries();
-        EXPECT_EQ(out(), c.printed) << c.text;
+        EXPECT_EQ(out(), printed) << text;
     }
 }
