@@ -3,14 +3,45 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <sstream>
 
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include "base/text.h"
+#include "images/grp_reader.h"
 #include "include/working_paths.h"
 #include "platform/platform.h"
+#include "run/paths.h"
+#include "selection/fw_matrix.h"
 #include "unit/fixture.h"
 
 namespace fs = std::filesystem;
+
+// The calls of the system that can be made to fail: number failAt from now on, with `failure` as its error.
+static int failAt, calls, failure;
+
+static bool fails() {
+    bool failing = failAt != 0 && ++calls == failAt;
+    errno = failing ? failure : errno;
+    return failing;
+}
+
+// Each takes and gives words of the machine.
+#define CAN_FAIL(name, failed)                                                                                         \
+    extern "C" long __real_##name(long, long, long, long);                                                             \
+    extern "C" long __wrap_##name(long a, long b, long c, long d) {                                                    \
+        return fails() ? (failed) : __real_##name(a, b, c, d);                                                         \
+    }
+// clang-format off
+CAN_FAIL(malloc, 0) CAN_FAIL(calloc, 0) CAN_FAIL(realloc, 0) CAN_FAIL(strdup, 0) CAN_FAIL(fopen, 0) CAN_FAIL(fread, 0)
+CAN_FAIL(fseek, -1) CAN_FAIL(opendir, 0) CAN_FAIL(readdir, 0) CAN_FAIL(stat, -1) CAN_FAIL(open, -1) CAN_FAIL(readlink, -1)
+CAN_FAIL(getcwd, 0) CAN_FAIL(waitpid, -1) CAN_FAIL(clock_gettime, -1) CAN_FAIL(localtime_r, 0);
+// clang-format on
 
 static std::string content(const std::string& path) {
     std::ostringstream text;
@@ -126,6 +157,87 @@ TEST_F(Platform, EventsAreLinesOfJson) {
     EXPECT_EQ(content("host/eventlog.jsonl"),
               "{\"source\": \"S\", \"type\": 1, \"category\": 0, \"id\": \"0xC0000A09\", \"strings\": "
               "[\"quote \\\" back \\\\ bell \\u0007\", \"\xC3\xA4 \\ufffd\"]}\n");
+}
+
+TEST_F(Platform, ACallThatFailsFailsItsOperationWhole) {
+    HbaRecord* hba = addPort(0xE300, "1.0.0.0");
+    copyText(hba->fwMatrixType, sizeof hba->fwMatrixType, "QVa5202");
+    write("a.grp", grpFile(64, "1.2.3.4"));
+    write("b.grp", "");
+    write("fwmatrix.txt", "QVa5202 a.grp\n");
+    gFwMatrixFile = openFile("fwmatrix.txt", OPEN_READ_TEXT);
+    CLUImage image = fileImage(64, "");
+    image.extType = GRP_EXTENSION_TYPE;
+    char text[256];
+    LocalTime now;
+    const std::function<bool()> operations[] = {
+        [] {
+            const std::string found = searched("?.grp");
+            EXPECT_TRUE(found == "" || found == "a.grp b.grp ") << "half a directory: " << found;
+            return found != "";
+        },
+        [] { return searched("host") == "host/ "; },
+        [] {
+            RegistryKey* key = createRegistryKey("A\\B", REGISTRY_ALL);
+            return setRegistryText(key, "T", "x") + closeRegistryKey(key) == 0;
+        },
+        [] {
+            EventSource* source = registerEventSource("S");
+            return source != nullptr && (deregisterEventSource(source), true);
+        },
+        [] { return runCommand("\"\"/bin/true\" > echoed\"") == 0; },
+        [&] { return fullPath("x", text, sizeof text) > 0 && programPath(text, sizeof text) > 0; },
+        [&] { return localTime(&now) == 0; },
+        [] {
+            close(STDIN_FILENO);
+            startPlatform();
+            return fcntl(STDIN_FILENO, F_GETFD) >= 0;
+        },
+        [&] { return verifyFwFile("a.grp", &image) == 0; },
+        [&] {
+            verifyFWmatrixEntries();
+            return getFwMatrixMatch(hba, text, text + MATRIX_TOKEN_SIZE) == 1;
+        },
+        [] {
+            setenv("TARNLIFT_HOST", "", 1);  // the one beside the program
+            return systemMajorVersion() == 10 && openFile("R:\\no", OPEN_READ_TEXT) == nullptr;
+        },
+    };
+    fs::create_directory("host");
+    for (const auto& operation : operations) {
+        for (int error : {EINTR, EIO}) {
+            bool good = false;
+            for (failAt = 0, failure = error; failAt == 0 || calls >= failAt;) {
+                failAt++;
+                calls = 0;
+                good = operation();
+            }
+            failAt = 0;
+            EXPECT_TRUE(good) << &operation - operations;
+        }
+    }
+}
+
+TEST_F(Platform, WhatIsTooLongOrNoCommandIsRefused) {
+    const std::string name(4100, 'x');
+    DirectoryEntry entry;
+    char out[8];
+    for (const std::string& path : {name, "r:\\" + name}) {
+        EXPECT_EQ(openFile(path.c_str(), OPEN_WRITE), nullptr);
+        EXPECT_EQ(removeFile(path.c_str()), -1);
+        EXPECT_EQ(openDirectorySearch(path.c_str(), &entry), nullptr);
+        EXPECT_EQ(createRegistryKey(path.c_str(), REGISTRY_ALL), nullptr);
+        EXPECT_EQ(deleteRegistryKey(path.c_str()), 1);
+    }
+    EXPECT_EQ(fullPath(name.c_str(), out, sizeof out), 0U);
+    for (const std::string& line : {std::string(), std::string("x"), std::string("\"x"), "\"\"x\" " + name + "\""}) {
+        EXPECT_EQ(runCommand(line.c_str()), 1) << line;
+    }
+    setenv("TARNLIFT_HOST", name.c_str(), 1);
+    EXPECT_EQ(openFile("r:\\x", OPEN_WRITE), nullptr);
+    EXPECT_EQ(registerEventSource("S"), nullptr);
+    char* argv[] = {nullptr};
+    EXPECT_EQ(setupApplicationPaths(argv), 1);
 }
 
 TEST_F(Platform, TheSystemVersionIsTheLeadingNumber) {
