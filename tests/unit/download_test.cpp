@@ -11,21 +11,6 @@
 
 struct Download : RunTest {};
 
-TEST_F(Download, TextAndExitStatusGiveTheOutcome) {
-    for (const auto& [noError, exitStatus, boardResult, outcome] : Rows<bool, int, uint32_t, int>{
-             // clang-format off
-        {true, 80, 3, 1}, {true, 87, 4, 22}, {true, 96, 5, 29}, {true, 0, 1, 0}, {true, 92, 1, 0}, {false, 89, 2, 23},
-        {false, 90, 2, 24}, {false, 92, 2, 28}, {false, 98, 2, 30}, {false, 70, 2, 31}, {false, 103, 2, 32},
-        {false, 104, 2, 33}, {false, 105, 2, 34}, {false, 106, 2, 35}, {false, 107, 2, 36}, {false, 80, 2, 3},
-        {false, 0, 2, 3}, {false, 65535, 2, 3},
-             // clang-format on
-         }) {
-        const ReplyMeaning* meaning = meaningOfReply(noError, exitStatus);
-        EXPECT_EQ(meaning->boardResult, boardResult) << exitStatus;
-        EXPECT_EQ(meaning->outcome, outcome) << exitStatus;
-    }
-}
-
 TEST_F(Download, ALaterPortOfABoardInheritsTheResult) {
     write("1.2.3.4.grp", grpFile(64, "1.2.3.4"));
     CLUImage image = fileImage(64, "1.2.3.4");

@@ -126,6 +126,9 @@ TEST_F(Platform, TextReadsCarriageReturnLineFeedAsOneCharacter) {
         EXPECT_STREQ(text, line);
     }
     EXPECT_FALSE(readTextLine(file, text, 4));
+    rewind(file);
+    EXPECT_EQ(readText(file, text, 2), 2U) << "the line end lies on both sides of a block's end";
+    EXPECT_EQ(std::string(text, readText(file, text, 2)), "\rb");
     fclose(file);
     EXPECT_EQ(openFile(".", OPEN_READ_TEXT), nullptr);
 }

@@ -1,24 +1,9 @@
 // The tables that the program decides by, walked as data.
 #include <set>
 
-#include "base/text.h"
-#include "download/download_status.h"
 #include "inventory/adapter_families.h"
 #include "selection/fw_matrix.h"
 #include "unit/fixture.h"
-
-TEST(Tables, EachOutcomeHasOneMessageThatSaysItsKind) {
-    std::set<std::string> seen;
-    for (const char* message : DownloadStatusMessages) {
-        ASSERT_NE(message, nullptr);
-        const std::string text = message;
-        EXPECT_TRUE(seen.insert(text).second) << text;
-        EXPECT_TRUE(text.starts_with("Download ") || text.starts_with("Adapter skipped. ")) << text;
-    }
-    EXPECT_STREQ(DownloadStatusMessages[OUTCOME_UNKNOWN_FIRMWARE_VERSION],
-                 "Adapter skipped. Unknown firmware version.");
-    EXPECT_STREQ(DownloadStatusMessages[OUTCOME_INVALID_FILE_LENGTH], "Download failed. Invalid firmware file length.");
-}
 
 TEST(Tables, FamiliesAreKnownByEachOfTheirMarksAlone) {
     std::set<std::pair<std::string, uint32_t>> marks;
