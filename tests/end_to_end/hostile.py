@@ -25,7 +25,7 @@ class Hostile(MachineTest):
         for spoil in (lambda: utility.chmod(0o644)), (lambda: utility.write_text("text")), utility.unlink, utility.mkdir:
             spoil()
             self.assert_nothing_listed(machine, spoil)
-            self.assertRegex(machine.stderr, "" if WINDOWS else "^cannot run .*/winhbcfg.exe: .*\n$")
+            self.assertRegex(machine.stderr, "^" if WINDOWS else "^cannot run .*/winhbcfg.exe: .*\n$")
 
     def test_a_temp_directory_that_cannot_be_used(self):
         machine = self.machine(port())
