@@ -31,7 +31,7 @@ class Guide(MachineTest):
         text = re.sub("%ERRORLEVEL%", lambda _: str(self.done.returncode), command).replace("\\", "\\\\")
         on_linux = ["sh", "-c", "type() { cat $1; }\n" + text]
         self.done = wine(*["cmd", "/c", "set", "COMPUTERNAME=SERVER01&&", *text.split()] if WINDOWS else on_linux)
-        output = Machine.text(self.done.stdout).strip("\n").replace(spelled(self.place), r"C:\Tarnlift")
+        output = Machine.text(self.done.stdout).strip("\n").replace(spelled(self.place), r"C:\Tarnlift").replace(str(self.place), "~")
         output = re.sub(r"(?m)^\([\d:.]+\) \(\d+\)", "(22:19:06.017) (4312)", output.replace("TIME", "Sun Nov 22 22:19:06 2026"))
         as_shown = re.fullmatch(re.escape(shown.strip("\n")).replace(r"\[\.\.\.\]", ".*"), output, re.S)
         return step[0] if as_shown else f"{prompt}{command}\n{output}\n\n"
