@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "base/text.h"
+#include "download/download_status.h"
 #include "include/run_counters.h"
 #include "include/run_options.h"
 #include "include/working_paths.h"
@@ -19,6 +20,17 @@ static constexpr char DOWNLOAD_TWICE_TEXT[] =
     "This special firmware release requires the firmware download process to be\n"
     "performed twice. You must reboot the system and download the same firmware\n"
     "file again to complete the download process.\n";
+
+static constexpr int ANY_EXIT_STATUS = -1;
+
+// What a reply of the utility means. `exitStatus` is ANY_EXIT_STATUS in the row for all that has none of its own.
+struct ReplyMeaning {
+    bool noError;  // the reply holds "NO Error"
+    int exitStatus;
+    BoardResult boardResult;
+    PortOutcome outcome;
+    uint16_t RunCounters::*boardCounter;  // counted for ports of a .grp family; null for none
+};
 
 // The text of a reply decides between success and failure, the exit status decides which kind. The row without a
 // status of its own stands behind the others of its half.
@@ -40,7 +52,8 @@ static constexpr ReplyMeaning replyMeanings[] = {
     {false, ANY_EXIT_STATUS, BOARD_FAILED, OUTCOME_FAILED, &RunCounters::boardFailCount},
 };
 
-const ReplyMeaning* meaningOfReply(bool noError, int exitStatus) {
+// Never null: each half of the table ends with the row for every status.
+static const ReplyMeaning* meaningOfReply(bool noError, int exitStatus) {
     const ReplyMeaning* row = replyMeanings;
     while (row->noError != noError || (row->exitStatus != exitStatus && row->exitStatus != ANY_EXIT_STATUS)) {
         row++;

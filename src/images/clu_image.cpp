@@ -9,7 +9,7 @@
 
 CLUImage* gFirmwareImageList = nullptr;
 
-enum { ORDER_UNKNOWN = 4 };  // isGreaterCNAVersion, beside 1, 0 and -1
+static constexpr int ORDER_UNKNOWN = 4;  // isGreaterCNAVersion, beside 1, 0 and -1
 
 enum EncodingStatus { VERSION_ENCODED = 0, VERSION_NOT_ENCODED = 4 };
 

@@ -3,7 +3,7 @@
 
 #include "include/clu_image.h"
 
-// Results of makeFileNameList beside its list, and of discoverAutoFirmware.
+// Results of makeFileNameList beside its list.
 enum CatalogueStatus { CATALOGUE_READ = 0, CATALOGUE_EMPTY = 1, CATALOGUE_NO_DIRECTORY = 6 };
 
 // Reads the header of each firmware file of `directory`, which must end in a backslash and have fewer than 220

@@ -1,4 +1,5 @@
-// What a run counts while it walks the ports. report/summaries turns it into the return code.
+// What a run counts while it lists and walks the ports; run/cleanup clears it, report/summaries turns it into the return
+// code.
 #pragma once
 
 #include <cstdint>

@@ -72,6 +72,7 @@ static void readModel(HbaRecord* hba, const char* block) {
     if (!runOptions.vpd) {
         hba->model[strcspn(hba->model, "-")] = '\0';
     }
+    copyText(hba->fwMatrixType, sizeof hba->fwMatrixType, hba->model);
 }
 
 static void readIdentity(HbaRecord* hba, const char* block) {
@@ -93,7 +94,6 @@ static void readState(HbaRecord* hba, const char* block) {
     uint32_t changeStatus = readNumberKey(block, "Change Status", 10);
     uint32_t csf = readNumberKey(block, "CSF", 10);
     copyText(hba->fwStatus, sizeof hba->fwStatus, activationText(changeStatus, csf));
-    copyText(hba->fwMatrixType, sizeof hba->fwMatrixType, hba->model);
     readTextKey(block, "Flash Part", hba->flashPart, sizeof hba->flashPart);
 }
 

@@ -5,7 +5,7 @@
 
 #include "base/text.h"
 
-// What RM.INI says. It is read and kept; nothing depends on it.
+// The numbers of RM.INI. parseRmIni sets them, run/cleanup clears them; nothing depends on them.
 struct RmIniSettings {
     uint32_t dbgMode;
     uint32_t logMode;

@@ -1,4 +1,4 @@
-// The Application event log: one event for each port that ended without a started download, and the registry key that
+// The Application event log: one event for each port that selection left without a download, and the registry key that
 // makes the event source known. Nothing here ends the run or changes its return code.
 #pragma once
 
