@@ -9,20 +9,7 @@ mkdir -p build
 top=$(realpath "${1:-build}")/bench
 results=$top/results
 
-tools/setup.sh build
-missing=()
-for row in "gcc gcc" "hyperfine hyperfine" "valgrind valgrind" "/usr/bin/time time" "python3 python3-minimal"; do
-    read -r sign package <<<"$row"
-    command -v "$sign" >/dev/null || missing+=("$package")
-done
-if [ ${#missing[@]} -gt 0 ]; then
-    as_root=()
-    [ "$(id -u)" -eq 0 ] || as_root=(sudo)
-    echo "Installing: ${missing[*]}"
-    "${as_root[@]}" apt-get update -qq
-    DEBIAN_FRONTEND=noninteractive \
-        "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
-fi
+tools/setup.sh bench
 
 rm -rf "$top"
 mkdir -p "$results"

@@ -4,8 +4,8 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-command -v gcovr >/dev/null || { apt-get update -qq && apt-get install -y -qq --no-install-recommends gcovr >/dev/null; }
 tools/setup.sh test
+tools/setup.sh coverage
 # Everything without exceptions, as the programs are built: else the branches to their landing pads would count, and
 # those of a source that is compiled for two of the tests would not be the same ones.
 cmake -S . -B build/coverage -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS="--coverage -fno-exceptions" >/dev/null

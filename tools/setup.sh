@@ -1,10 +1,12 @@
 #!/usr/bin/env bash
 # Installs what is missing on a Debian machine.
-# Usage: tools/setup.sh build|test|fuzz|windows
+# Usage: tools/setup.sh build|test|fuzz|windows|coverage|bench
 #   build     to build the programs for this machine
 #   test      to test them as well
 #   fuzz      to build the fuzz targets
 #   windows   to build the Windows programs and run them
+#   coverage  to print what the tests reach, beside what `test` installs
+#   bench     to measure what a run costs
 set -euo pipefail
 
 # What tells that a package is there, a command or a whole path, and the package.
@@ -44,6 +46,18 @@ windows)
         "wine wine"
         "/usr/lib/wine/wine64 wine64"
         "zip zip"
+    )
+    ;;
+coverage)
+    needed+=("gcovr gcovr")
+    ;;
+bench)
+    needed+=(
+        "gcc gcc"
+        "hyperfine hyperfine"
+        "valgrind valgrind"
+        "/usr/bin/time time"
+        "python3 python3-minimal"
     )
     ;;
 esac
