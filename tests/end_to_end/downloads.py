@@ -147,7 +147,7 @@ class Downloads(MachineTest):
                      "\n[Update Needed]\ntrue\n\n[Executing utility FW download command]\ndownload n=1 i=",
                      "Raw     returnStatus = 0\nShifted returnStatus = 0\n", "\n[updateCNAdownloadStatus]\n",
                      "updatedHba fwDownloadStatus  = 0\n", "\nadapterNumber = 2\n", "Skipping adapter...\n"]:
-            position = trace.find(text, max(position, 0)) + len(text)
+            position = trace.find(text, position) + len(text)
             self.assertGreaterEqual(position, len(text), text)
 
 

@@ -30,8 +30,7 @@ class Hostile(MachineTest):
     def test_a_temp_directory_that_cannot_be_used(self):
         machine = self.machine(port())
         (machine.path / "blank dir").mkdir()
-        cases = [("gone", []), ("blank dir", ["listattr /c dir\\temp.txt"])] + [("x&winhbcfg.exe", [])] * WINDOWS
-        for temp, calls in cases:
+        for temp, calls in [("gone", []), ("blank dir", ["listattr /c dir\\temp.txt"])] + [("x&winhbcfg.exe", [])] * WINDOWS:
             self.assertEqual((machine.run("/q", temp=machine.path / temp), machine.calls()), ((5, NO_ADAPTERS), calls))
 
     def test_long_replies_are_read_as_far_as_they_fit(self):

@@ -83,9 +83,8 @@ class Machine:
         """Runs the program in `cwd`. Returns its return code and output, TIME for each time. Documents must be valid."""
         environment = {**os.environ, "TARNLIFT_HOST": str(self.path / "host"), "WINEDEBUG": "-all,+eventlog,fixme+advapi",
                        "TEMP": str(temp or self.path / "temp"), **dict(env)}
-        command, start = [argv0 or self.path / "tarnlift.exe"], {"executable": self.path / "tarnlift.exe"}
-        if through_path:
-            command = ["tarnlift.exe"]
+        program = self.path / "tarnlift.exe"
+        command, start = ["tarnlift.exe" if through_path else argv0 or program], {"executable": program}
         if WINDOWS:
             command, start = [*WINE, *(["cmd", "/c"] * through_path), *command], {}
             environment["WINEPATH"] = spelled(self.path) if through_path else ""

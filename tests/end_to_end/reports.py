@@ -11,8 +11,6 @@ MESSAGES = {0: "Download succeeded.", 1: "Download succeeded. A reboot is requir
             20: "Download failed. Unable to open image file.", 25: "Download failed. Invalid fwmatrix.txt image entry.",
             26: "Download failed. Invalid firmware file.",
             28: "Download failed. This firmware version is not supported on this board model."}
-
-
 IMAGES = {"a": "14.2.1.1", "low": "14.0.1.1"}
 
 

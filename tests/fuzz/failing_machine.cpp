@@ -42,8 +42,11 @@ int main() {
             machine = machineOf(std::string(i % 2, '-') + std::to_string(i / 2) + "|" + run + STANDARD);
             machine.files[run.ends_with("/xv") ? "C:\\t\\vlmdbg.log" : "unused"] = "";
             judgedRun();
-            i < 2 ? void(untouched = machine) : void();
-            machine.failOnwards ? void() : judgeFailure(run, untouched);
+            if (machine.failAt == 0) {
+                untouched = machine;
+            } else if (!machine.failOnwards) {
+                judgeFailure(run, untouched);
+            }
         }
     }
 }

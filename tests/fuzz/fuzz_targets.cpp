@@ -6,12 +6,15 @@ static void readAdapters(const std::string& bytes) {
     simulator::Machine read;
     simulator::ParseError error;
     simulator::Script script;
-    bool good = simulator::parseAdapters(bytes.data(), bytes.size(), read, error);
-    for (size_t i = 0; good && i < read.ports.size(); i++) {
-        simulator::takeDownloadScript(read, read.ports[i], script);
-        simulator::setAttribute(read, read.ports[i], "FW Version", "14.1");
+    if (!simulator::parseAdapters(bytes.data(), bytes.size(), read, error)) {
+        return;
     }
-    good ? simulator::composeListing(read, true) + simulator::composeFile(read) : "";
+    for (simulator::Port& port : read.ports) {
+        simulator::takeDownloadScript(read, port, script);
+        simulator::setAttribute(read, port, "FW Version", "14.1");
+    }
+    simulator::composeListing(read, true);
+    simulator::composeFile(read);
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const char* data, size_t size) {

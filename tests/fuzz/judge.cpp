@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <sstream>
 #include <utility>
 
 #include <expat.h>
@@ -12,9 +13,10 @@
 int tarnliftMain(int argc, char** argv);
 
 std::vector<std::string> split(const std::string& text, char separator) {
-    std::vector<std::string> parts = {""};
-    for (char c : text) {
-        c == separator ? parts.push_back("") : parts.back().push_back(c);
+    std::vector<std::string> parts;
+    std::istringstream rest(text + separator);
+    for (std::string part; std::getline(rest, part, separator);) {
+        parts.push_back(part);
     }
     return parts;
 }
@@ -81,7 +83,9 @@ void judgedRun() {
     const int counted = failed != 0 ? (failed == all ? 2 : 3) : all != 0 || query ? 0 : 1;
     MUST(walked ? code == (query || runCounters.compatibleImageCount != 0 ? counted : 7) : stops.contains(code));
     MUST(walked || code != 0 || runOptions.help || runOptions.imageVersion || gHbaCount != 0);
-    runOptions.silent ? void() : judgeOutput("the console", code);
+    if (!runOptions.silent) {
+        judgeOutput("the console", code);
+    }
     judgeOutput("run.log", code);
     MUST((machine.listings == 1 || !walked) && machine.openFiles == 0 && gHbaList == nullptr);
     MUST(machine.touched.contains(machine.redirect) || !machine.files.contains(machine.redirect));

@@ -12,9 +12,11 @@ struct EventSource {};
 
 bool MemoryMachine::fails(const char* operation, const char* path) {
     bool failing = running && ++operations >= failAt && failAt != 0 && (failOnwards || operations == failAt);
-    failedPort = failing && failed.empty() ? port : failedPort;
-    failed = failing && failed.empty() ? std::string(operation) + " " + path : failed;
-    failing ? void(touched.insert(path)) : void();
+    if (failing) {
+        failedPort = failed.empty() ? port : failedPort;
+        failed = failed.empty() ? std::string(operation) + " " + path : failed;
+        touched.insert(path);
+    }
     return failing;
 }
 
@@ -22,7 +24,9 @@ bool MemoryMachine::fails(const char* operation, const char* path) {
 static ssize_t writeBytes(void* cookie, const char* bytes, size_t size) {
     const std::string& path = *static_cast<std::string*>(cookie);
     size_t written = machine.fails("write", path.c_str()) ? size / 2 : size;
-    machine.files.contains(path) ? machine.files[path].append(bytes, written) : "";
+    if (machine.files.contains(path)) {
+        machine.files[path].append(bytes, written);
+    }
     return static_cast<ssize_t>(written);
 }
 
@@ -51,8 +55,9 @@ DirectorySearch* openDirectorySearch(const char* path, DirectoryEntry* first) {
     std::string directory = pattern.substr(0, pattern.rfind('\\') + 1);
     DirectorySearch* search = new DirectorySearch{{""}};
     for (const auto& [file, bytes] : machine.files) {
-        bool matches = file == pattern || (pattern == directory + "*" && file.starts_with(directory));
-        matches ? search->push_back(file.substr(directory.size())) : void();
+        if (file == pattern || (pattern == directory + "*" && file.starts_with(directory))) {
+            search->push_back(file.substr(directory.size()));
+        }
     }
     *first = {};
     bool found = !machine.fails(__func__, path) && nextDirectoryEntry(search, first);

@@ -16,8 +16,6 @@ template <class... Columns> using Rows = std::initializer_list<std::tuple<Column
 struct RunTest : testing::Test {
     RunTest();
     ~RunTest() override;
-    RunTest(const RunTest&) = delete;
-    RunTest& operator=(const RunTest&) = delete;
 
     // What printOut and printDbg have written since the last call.
     std::string out();

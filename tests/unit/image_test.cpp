@@ -1,7 +1,6 @@
 // Versions, .grp headers and the list of the firmware directory.
 #include <array>
 #include <filesystem>
-#include <tuple>
 #include <vector>
 
 #include "images/clu_image.h"

@@ -1,11 +1,10 @@
 // fwmatrix.txt: the match scan and the entry check.
+#include "base/text.h"
 #include "include/run_counters.h"
 #include "include/run_options.h"
 #include "include/working_paths.h"
 #include "selection/fw_matrix.h"
 #include "unit/fixture.h"
-
-#include "base/text.h"
 
 struct Matrix : RunTest {
     static void open(const std::string& text) {

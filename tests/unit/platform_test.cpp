@@ -1,15 +1,13 @@
 // The Linux side of the seam, as scripts rely on it.
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <sstream>
 
-#include <dirent.h>
 #include <fcntl.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include "base/text.h"
@@ -88,7 +86,9 @@ static std::string searched(const char* pattern) {
     for (bool more = search != nullptr; more; more = nextDirectoryEntry(search, &entry)) {
         found += std::string(entry.name) + (entry.isDirectory && entry.name[0] != '.' ? "/ " : " ");
     }
-    search == nullptr ? void() : closeDirectorySearch(search);
+    if (search != nullptr) {
+        closeDirectorySearch(search);
+    }
     return found;
 }
 

@@ -1,5 +1,4 @@
 // The roll-up, the rows, RM.INI and what makes values safe for XML.
-#include "base/text.h"
 #include "include/run_counters.h"
 #include "include/run_options.h"
 #include "report/diagnostic_log.h"
@@ -62,15 +61,10 @@ TEST_F(Report, QueriesHaveTheirOwnSentence) {
 
 TEST_F(Report, ARebootIsAdvisedForBoardsThatWaitForIt) {
     for (const auto& [downloads, failures, noReboot, preview, advised] : Rows<uint16_t, uint16_t, uint16_t, int, bool>{
-             {0, 0, 0, 0, false},
-             {1, 0, 0, 0, true},
-             {1, 0, 0, 1, false},
-             {1, 1, 0, 0, false},
-             {1, 0, 1, 0, false},
-             {3, 1, 1, 0, true},
-             {3, 1, 2, 0, false},
-             {2, 4, 0, 0, false},
-             {3, 2, 2, 0, false},
+             // clang-format off
+        {0, 0, 0, 0, false}, {1, 0, 0, 0, true}, {1, 0, 0, 1, false}, {1, 1, 0, 0, false}, {1, 0, 1, 0, false},
+        {3, 1, 1, 0, true}, {3, 1, 2, 0, false}, {2, 4, 0, 0, false}, {3, 2, 2, 0, false},
+             // clang-format on
          }) {
         runCounters = {.boardDownloadCount = downloads, .boardFailCount = failures, .boardNoRebootCount = noReboot};
         runOptions.preview = preview;

@@ -1,12 +1,10 @@
 // The decisions: modes by relations, with and without the second ASIC revision, over the real selection.
 #include <vector>
 
-#include "base/text.h"
 #include "download/download_status.h"
 #include "images/clu_image.h"
 #include "images/image_catalogue.h"
 #include "images/version_rules.h"
-#include "include/run_counters.h"
 #include "include/run_options.h"
 #include "inventory/hba_list.h"
 #include "platform/platform.h"
@@ -53,7 +51,6 @@ TEST_F(Rules, ADownloadIsDueByModeAndRelation) {
     CLUImage noFamily = fileImage(0, "15.0.0.0");
     EXPECT_EQ(isUpdateNeededCNA(&noFamily, &noFamily, 0), 4);
     EXPECT_EQ(isUpdateNeededCNA(&noFamily, &newer, 0), 1);
-    EXPECT_EQ(isUpdateNeededCNA(nullptr, &newer, 0), 4);
 }
 
 // What /auto takes from a firmware directory: the file of the preview's row, or what is left of it.
