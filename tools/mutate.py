@@ -3,9 +3,9 @@
 
 Usage: tools/mutate.py [FILE ...]        files of src/; without one, all that decide
 
-Needs rsync. Works on a copy in build/mutate, so the tree stays as it is. Each mutant is built and run against the unit
-tests and, when those notice nothing, against the end-to-end tests. Ends with exit status 1 when a mutant survives that is
-not in tools/mutants-that-change-nothing.txt.
+Works on a copy in build/mutate, so the tree stays as it is. Each mutant is built and run against the unit tests and, when
+those notice nothing, against the end-to-end tests. Ends with exit status 1 when a mutant survives that is not in
+tools/mutants-that-change-nothing.txt.
 """
 import os
 import re
@@ -66,6 +66,8 @@ def killed_by():
 
 def main():
     files = sys.argv[1:] or FILES
+    for role in "test", "mutate":
+        subprocess.run([TOP / "tools/setup.sh", role], check=True)
     COPY.mkdir(parents=True, exist_ok=True)
     # By content, and without the files' times: what the last run left mutated has to be built anew.
     subprocess.run(f"git ls-files -z | rsync -rlp --checksum --from0 --files-from=- ./ {COPY}/", shell=True, cwd=TOP, check=True)

@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # Installs what is missing on a Debian machine.
-# Usage: tools/setup.sh build|test|fuzz|windows|coverage|bench
+# Usage: tools/setup.sh build|test|fuzz|windows|coverage|mutate|bench
 #   build     to build the programs for this machine
 #   test      to test them as well
 #   fuzz      to build the fuzz targets
 #   windows   to build the Windows programs and run them
 #   coverage  to print what the tests reach, beside what `test` installs
+#   mutate    to flip its decisions, beside what `test` installs
 #   bench     to measure what a run costs
 set -euo pipefail
 
@@ -50,6 +51,9 @@ windows)
     ;;
 coverage)
     needed+=("gcovr gcovr")
+    ;;
+mutate)
+    needed+=("rsync rsync")
     ;;
 bench)
     needed+=(

@@ -70,7 +70,7 @@ static void storeSetting(const char* token, const char* value, uint32_t number) 
     if (strcmp(token, FILL_BYTE_TOKEN) == 0) {
         rmIniSettings.fillByte = static_cast<uint8_t>(number & 0xFF);
     } else if (strcmp(token, WWPN_TOKEN) == 0) {
-        uint8_t remoteHbaWwpn[8] = {};
+        uint8_t remoteHbaWwpn[8] = {};  // the setting is known, and read, but nothing asks for it
         readWwpn(value, remoteHbaWwpn);
     } else {
         printRaw("Unkonw Token Found");

@@ -146,6 +146,7 @@ int createTarnliftRegKey(const char* programPath) {
     printDbg("Full path to exe = %s\n", directory);
     cutBehindLastBackslash(directory);
     printDbg("Dir path to exe = %s\n", directory);
+    // The directory keeps its backslash, so two stand in the value; the system takes them for one.
     formatText(messageFile, sizeof messageFile, "%s\\%s", directory, MESSAGE_FILE_NAME);
     writeSourceKey(messageFile);
     printDbg("Created \"%s\" key in Registry.\n", SOURCE_NAME);

@@ -21,7 +21,7 @@
 
 static constexpr size_t FAILURE_TEXT_SIZE = 256;
 static constexpr uint32_t STATUS_NO_IMAGE = 0xFFFA0000;
-static constexpr int FILE_NOT_FOUND = 20;
+static constexpr int FILE_NOT_FOUND = 20;  // beside the GrpStatus of a file that is there
 
 // Why a port gets no image: what the record and the message say of it.
 struct ImageFailure {
