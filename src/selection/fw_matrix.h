@@ -14,8 +14,8 @@ inline constexpr size_t MATRIX_TOKEN_SIZE = 32;
 inline constexpr char MATRIX_NO_FILE[] = "NONE";
 inline constexpr char MATRIX_INVALID_FILE[] = "INVALID_FILE";
 
-// A model that the entry check knows. It gives a port no right to a firmware file, and takes none away. Only the name is
-// looked at.
+// A model that the entry check knows. It gives a port no right to a firmware file, and takes none away. Only the name
+// decides anything.
 struct FwMatrixModelEntry {
     char modelName[32];
     char shortCode[8];
