@@ -8,14 +8,17 @@ rem     update-server.cmd /auto /id=D:\fw  with these further switches of Tarnli
 rem
 rem What Tarnlift says of this run is in SERVER.txt beside it, of all runs in SERVER.log.
 rem Ends with 0 when all is well, 3010 when a reboot is needed as well (the number that Windows
-rem installers use), else with Tarnlift's return code, or 100 when Tarnlift was not started.
-setlocal
+rem installers use), else with Tarnlift's return code, or 100 when Tarnlift was not started or did not
+rem come to its end.
+setlocal DisableDelayedExpansion
 set "PROGRAM=%~dp0tarnlift.exe"
 set "OUTPUT=%~dp0%COMPUTERNAME%.txt"
 set "LOG=%~dp0%COMPUTERNAME%.log"
+set "FIND=%SystemRoot%\System32\find.exe"
 
 if not exist "%PROGRAM%" echo %COMPUTERNAME%: FAILED - "%PROGRAM%" is not there. & exit /b 100
-if exist "%OUTPUT%" del "%OUTPUT%"
+if exist "%OUTPUT%" del /f /q "%OUTPUT%"
+if exist "%OUTPUT%" echo %COMPUTERNAME%: FAILED - "%OUTPUT%" cannot be replaced. & exit /b 100
 "%PROGRAM%" /q /update %* > "%OUTPUT%"
 set "CODE=%ERRORLEVEL%"
 if not exist "%OUTPUT%" echo %COMPUTERNAME%: FAILED - "%OUTPUT%" cannot be written. & exit /b 100
@@ -23,12 +26,19 @@ echo ==== %DATE% %TIME% /q /update %* >> "%LOG%"
 type "%OUTPUT%" >> "%LOG%"
 type "%OUTPUT%"
 
-rem The sentence on the reboot is Tarnlift's own; a preview never has it.
+rem The command prompt, too, has a 1 or a 5: for a program that it could not start.
+set "ENDED="
+"%FIND%" "Return Code=%CODE%" < "%OUTPUT%" > nul
+if not errorlevel 1 set "ENDED=yes"
+rem The sentence on the reboot is of this run alone, and where ports failed it can be missing. The rows of the ports
+rem say what still waits.
 set "REBOOT="
-find "Please reboot system" < "%OUTPUT%" > nul
+"%FIND%" "Please reboot system" < "%OUTPUT%" > nul
+if not errorlevel 1 set "REBOOT=yes"
+"%FIND%" "Reboot the system to activate" < "%OUTPUT%" > nul
 if not errorlevel 1 set "REBOOT=yes"
 set "TWICE="
-find "performed twice" < "%OUTPUT%" > nul
+"%FIND%" "performed twice" < "%OUTPUT%" > nul
 if not errorlevel 1 set "TWICE=yes"
 
 set "GROUP=FAILED"
@@ -48,6 +58,8 @@ if "%CODE%"=="7" set "ADVICE=No usable firmware file for any port. Look into the
 if "%CODE%"=="8" set "ADVICE=Not enough rights. Run it as an administrator."
 if "%CODE%"=="9" set "ADVICE=This Windows is too old. Tarnlift needs major version 10 or higher."
 if "%CODE%"=="19" set "ADVICE=The file of /iv= is no firmware file."
+if not defined ENDED set "GROUP=FAILED"
+if not defined ENDED set "ADVICE=Tarnlift was not started or did not come to its end, code %CODE%. Look into %COMPUTERNAME%.txt."
 
 if defined REBOOT if "%GROUP%"=="FINE" set "GROUP=REBOOT"
 if "%GROUP%"=="REBOOT" set "ADVICE=Reboot to activate the new firmware."
@@ -55,6 +67,7 @@ echo %COMPUTERNAME%: %GROUP% - %ADVICE%
 if defined REBOOT if not "%GROUP%"=="REBOOT" echo %COMPUTERNAME%: Some boards wait for a reboot.
 if defined TWICE echo %COMPUTERNAME%: After the reboot run tarnlift.exe /rewrite: this firmware has to be downloaded twice.
 
+if not defined ENDED exit /b 100
 if "%GROUP%"=="REBOOT" exit /b 3010
 if "%GROUP%"=="FINE" exit /b 0
 exit /b %CODE%
