@@ -107,16 +107,20 @@ function Get-Port([System.Xml.XmlElement] $Report) {
 
 if (-not $ProgramDirectory) { $ProgramDirectory = $PSScriptRoot }
 if (-not $ReportDirectory) { $ReportDirectory = Join-Path $PSScriptRoot 'reports' }
-$program = Join-Path $ProgramDirectory 'tarnlift.exe'
-$reportFile = Join-Path $ReportDirectory "$env:COMPUTERNAME.xml"
-$textFile = Join-Path $ReportDirectory "$env:COMPUTERNAME.txt"
-$codeFile = Join-Path $ReportDirectory "$env:COMPUTERNAME.code"
 
 try {
+    # What is not a command of PowerShell does not know its current directory.
+    $ReportDirectory = $ExecutionContext.SessionState.Path.GetUnresolvedProviderPathFromPSPath($ReportDirectory)
+    $program = Join-Path $ProgramDirectory 'tarnlift.exe'
+    $reportFile = Join-Path $ReportDirectory "$env:COMPUTERNAME.xml"
+    $textFile = Join-Path $ReportDirectory "$env:COMPUTERNAME.txt"
+    $codeFile = Join-Path $ReportDirectory "$env:COMPUTERNAME.code"
     New-Item -ItemType Directory -Force -Path $ReportDirectory | Out-Null
     # A report of an earlier run must not be taken for this one's.
     Remove-Item -LiteralPath $reportFile, $textFile, $codeFile -Force -ErrorAction SilentlyContinue
-    if (Test-Path -LiteralPath $reportFile) { throw "$reportFile cannot be replaced." }
+    foreach ($file in $reportFile, $textFile, $codeFile) {
+        if (Test-Path -LiteralPath $file) { throw "$file cannot be replaced." }
+    }
     $switches = @($switchesOf[$Operation])
     if ($Auto) { $switches += '/auto' }
     # Tarnlift itself writes the file, since a redirection would change its encoding. Some messages come by standard
@@ -125,10 +129,14 @@ try {
     $printed = & $program @switches /xml "/log=$reportFile" /s | Out-String
     $code = $LASTEXITCODE
     $ErrorActionPreference = 'Stop'
-    Set-Content -LiteralPath $codeFile -Value $code
 } catch {
     Write-Result 'FAILED' "Tarnlift was not started: $_"
     exit $notStarted
+}
+try {
+    Set-Content -LiteralPath $codeFile -Value $code
+} catch {
+    Write-Result 'LOOK' "Tarnlift ended with return code $code, which cannot be kept: $_"
 }
 
 $group, $advice = 'FAILED', "Tarnlift ended in an unexpected way (return code $code)."
@@ -162,7 +170,9 @@ foreach ($port in $ports) {
         $port.Message).TrimEnd(' ', ':', '>', '-')
 }
 $reboot = $report.SelectSingleNode('RebootRequired')
-$needsReboot = $null -ne $reboot -and $reboot.InnerText.Trim() -eq '1'
+# Where ports failed, the report can say 0 although others wait for a reboot.
+$waiting = @($ports | Where-Object { '1', '22' -contains $_.Status })
+$needsReboot = ($null -ne $reboot -and $reboot.InnerText.Trim() -eq '1') -or $waiting.Count -gt 0
 if ($needsReboot -and $group -eq 'FINE') { $group, $advice = 'REBOOT', 'Reboot to activate the new firmware.' }
 Write-Result $group $advice
 if ($needsReboot -and $group -ne 'REBOOT') { Write-Result $group 'Some boards wait for a reboot.' }
