@@ -4,7 +4,8 @@ Puts the reports of many servers into one document, for report.xsl.
 
 .DESCRIPTION
 The directory holds a report NAME.xml of each server: what tarnlift.exe printed under /xml. NAME.code beside it, if it is
-there, holds the return code. A file that is no report leaves its server without one, and a word on standard error.
+there, holds the return code. A file that is no report, or a NAME.code alone, leaves its server without one, and a word
+on standard error.
 
 On a server, cmd keeps the program's bytes as they are, which PowerShell's own redirection does not:
     cmd /c "tarnlift.exe /xml /update >NAME.xml"
@@ -83,9 +84,9 @@ function Read-ReturnCode([string] $Path) {
 }
 
 $folder = (Resolve-Path -LiteralPath $Directory).ProviderPath
-# The filter of the file system finds longer extensions, too.
-$files = @(Get-ChildItem -LiteralPath $folder -Filter '*.xml' | Where-Object { -not $_.PSIsContainer -and $_.Extension -eq '.xml' } |
-    Sort-Object -Property Name)
+$names = @(Get-ChildItem -LiteralPath $folder |
+    Where-Object { -not $_.PSIsContainer -and @('.xml', '.code') -contains $_.Extension } |
+    ForEach-Object { [System.IO.Path]::GetFileNameWithoutExtension($_.Name) } | Sort-Object -Unique)
 
 $stream = if ($OutFile) {
     [System.IO.File]::Create($ExecutionContext.SessionState.Path.GetUnresolvedProviderPathFromPSPath($OutFile))
@@ -101,10 +102,9 @@ try {
     $writer.WriteStartElement('Fleet')
     $writer.WriteAttributeString('Collected', [System.DateTime]::UtcNow.ToString('yyyy-MM-ddTHH:mm:ssZ',
             [System.Globalization.CultureInfo]::InvariantCulture))
-    foreach ($file in $files) {
-        $name = [System.IO.Path]::GetFileNameWithoutExtension($file.Name)
-        $code = Read-ReturnCode ([System.IO.Path]::ChangeExtension($file.FullName, '.code'))
-        $report = Read-Report $file.FullName
+    foreach ($name in $names) {
+        $code = Read-ReturnCode ([System.IO.Path]::Combine($folder, "$name.code"))
+        $report = Read-Report ([System.IO.Path]::Combine($folder, "$name.xml"))
         $writer.WriteStartElement('Server')
         $writer.WriteAttributeString('Name', [System.Text.RegularExpressions.Regex]::Replace($name, $unfit, '?'))
         if ($null -ne $code) {

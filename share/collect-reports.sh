@@ -3,7 +3,8 @@
 # Usage: collect-reports.sh DIRECTORY >fleet.xml
 #
 # DIRECTORY holds a report NAME.xml of each server: what tarnlift.exe printed under /xml. NAME.code beside it, if it is
-# there, holds the return code. A file that is no report leaves its server without one, and a word on standard error.
+# there, holds the return code. A file that is no report, or a NAME.code alone, leaves its server without one, and a word
+# on standard error.
 # Write the document to another directory: in this one it would be taken for a server's report.
 set -eu
 export LC_ALL=C
@@ -59,11 +60,12 @@ first_line() {
 # Three lines for each server: the name, the report's path, the return code.
 list_servers() {
     number=0
-    for file in *.xml; do
-        if [ ! -f "$file" ] || [ ! -r "$file" ]; then
+    for file in *.xml *.code; do
+        name=${file%.*}
+        if [ ! -f "./$file" ] || [ ! -r "./$file" ] || { [ "$file" = "$name.code" ] && [ -r "./$name.xml" ]; }; then
             continue
         fi
-        report=$PWD/$file
+        report=$PWD/$name.xml
         first_line "./$file"
         case $line in
         "$utf16_mark"*)
@@ -72,7 +74,6 @@ list_servers() {
             iconv -f UTF-16 -t UTF-8 "./$file" >"$report" 2>/dev/null || : >"$report"
             ;;
         esac
-        name=${file%.xml}
         line=
         if [ -r "./$name.code" ]; then
             first_line "./$name.code"
@@ -126,6 +127,7 @@ list_servers | awk -v prolog='<?xml version="1.0" encoding="UTF-8"?>' -v utf8_ma
     NR % 3 == 1 { name = $0 }
     NR % 3 == 2 { report = $0 }
     NR % 3 == 0 {
+        sub(/[ \t]+$/, "")
         printf "<server name=\"%s\"", escaped(name)
         if (is_report(report)) {
             printf " report=\"file://%s\"", address(report)
