@@ -74,7 +74,7 @@ set_up_servers() {
     server no-adapters
     # A forgotten file that /auto would take.
     mkdir "$directory/servers/auto/firmware"
-    "$bin/mkgrp" --family 65 --version 14.9.999.9 "$directory/servers/auto/firmware/forgotten.grp"
+    "$bin/mkgrp" --family 65 --version 14.9.999.9 "$directory/servers/auto/firmware/forgotten.grp.old"
 }
 
 set_up_firmware_set() {
