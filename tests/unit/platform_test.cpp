@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <sstream>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -42,9 +41,8 @@ CAN_FAIL(getcwd, 0) CAN_FAIL(waitpid, -1) CAN_FAIL(clock_gettime, -1) CAN_FAIL(l
 // clang-format on
 
 static std::string content(const std::string& path) {
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 struct Platform : RunTest {
