@@ -30,7 +30,8 @@ class Hostile(MachineTest):
     def test_a_temp_directory_that_cannot_be_used(self):
         machine = self.machine(port())
         (machine.path / "blank dir").mkdir()
-        for temp, calls in [("gone", []), ("blank dir", ["listattr /c dir\\temp.txt"])] + [("x&winhbcfg.exe", [])] * WINDOWS:
+        refused = ["x&winhbcfg.exe", "x^/..", "%OS%/.."] * WINDOWS  # more than a path to the interpreter
+        for temp, calls in [("blank dir", ["listattr /c dir\\temp.txt"])] + [(name, []) for name in ["gone", *refused]]:
             self.assertEqual((machine.run("/q", temp=machine.path / temp), machine.calls()), ((5, NO_ADAPTERS), calls))
 
     def test_long_replies_are_read_as_far_as_they_fit(self):

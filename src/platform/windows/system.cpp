@@ -69,15 +69,16 @@ const char* systemDrive() {
     return value != nullptr ? value : "C:";
 }
 
-// Tells whether the interpreter would see more in the command line than one program with its output on one file. The
-// file's path stands without marks, and a temp directory may have any name.
+// Tells whether the interpreter could see more in the command line than one program with its output on one file. The
+// file's path stands without marks, and a temp directory may have any name: with a "^" the interpreter would not count
+// the mark behind it, and "%NAME%" may become anything.
 static bool isMoreThanOneCommand(const char* commandLine) {
     bool marked = false;
     size_t redirections = 0;
     for (const char* p = commandLine + 1; *p != '\0'; p++) {
         if (*p == '"') {
             marked = !marked;
-        } else if (!marked && (*p == '&' || *p == '|' || *p == '<' || (*p == '>' && ++redirections > 1))) {
+        } else if (!marked && (strchr("&|<^%\r\n", *p) != nullptr || (*p == '>' && ++redirections > 1))) {
             return true;
         }
     }
