@@ -1,4 +1,4 @@
-// Everything that a run asks of the system, and the only way to ask it. Two implementations, posix/ and windows/,
+// Everything that a run asks of the system, and the only way to ask it. Two implementations, linux/ and windows/,
 // chosen by the build. Paths have backslashes on both systems. Results are 0 for success unless said otherwise.
 #pragma once
 

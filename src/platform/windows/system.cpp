@@ -1,6 +1,5 @@
-// The system, the environment, the clock, the child process.
+// The system, the environment, the clock.
 #include <cstdlib>
-#include <cstring>
 
 #include <windows.h>
 
@@ -8,7 +7,6 @@
 #include "platform/platform.h"
 
 static constexpr size_t LONG_PATH_SIZE = 4096;
-static constexpr int COMMAND_NOT_RUN = 1;
 
 void startPlatform() {
     // Nothing of what it guards against reaches a program here.
@@ -67,24 +65,4 @@ const char* tempDirectory() {
 const char* systemDrive() {
     const char* value = getenv("SYSTEMDRIVE");
     return value != nullptr ? value : "C:";
-}
-
-// Tells whether the interpreter could see more in the command line than one program with its output on one file. The
-// file's path stands without marks, and a temp directory may have any name: with a "^" the interpreter would not count
-// the mark behind it, and "%NAME%" may become anything.
-static bool isMoreThanOneCommand(const char* commandLine) {
-    bool marked = false;
-    size_t redirections = 0;
-    for (const char* p = commandLine + 1; *p != '\0'; p++) {
-        if (*p == '"') {
-            marked = !marked;
-        } else if (!marked && (strchr("&|<^%\r\n", *p) != nullptr || (*p == '>' && ++redirections > 1))) {
-            return true;
-        }
-    }
-    return false;
-}
-
-int runCommand(const char* commandLine) {
-    return isMoreThanOneCommand(commandLine) ? COMMAND_NOT_RUN : system(commandLine);
 }

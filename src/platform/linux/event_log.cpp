@@ -4,8 +4,8 @@
 
 #include "base/text.h"
 #include "base/utf8.h"
+#include "platform/linux/native_path.h"
 #include "platform/platform.h"
-#include "platform/posix/native_path.h"
 
 struct EventSource {
     FILE* log;

@@ -6,8 +6,8 @@
 #include <sys/stat.h>
 
 #include "base/text.h"
+#include "platform/linux/native_path.h"
 #include "platform/platform.h"
-#include "platform/posix/native_path.h"
 
 // The found entries in their order; a search hands them out one by one. It owns their names, which are kept at their own
 // length, since a directory may hold many.

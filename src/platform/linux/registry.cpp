@@ -4,8 +4,8 @@
 #include <unistd.h>
 
 #include "base/text.h"
+#include "platform/linux/native_path.h"
 #include "platform/platform.h"
-#include "platform/posix/native_path.h"
 
 struct RegistryKey {
     char directory[NATIVE_PATH_SIZE];

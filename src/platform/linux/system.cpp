@@ -8,8 +8,8 @@
 #include <unistd.h>
 
 #include "base/text.h"
+#include "platform/linux/native_path.h"
 #include "platform/platform.h"
-#include "platform/posix/native_path.h"
 
 static constexpr uint32_t DEFAULT_SYSTEM_VERSION = 10;
 

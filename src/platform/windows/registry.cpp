@@ -1,4 +1,4 @@
-// Registry keys and event sources. Both kinds of handle are the system's own, under the names of the seam.
+// A RegistryKey is the system's own handle under the name of the seam.
 #include <cstring>
 
 #include <windows.h>
@@ -7,10 +7,6 @@
 
 static HKEY handleOf(RegistryKey* key) {
     return reinterpret_cast<HKEY>(key);
-}
-
-static HANDLE handleOf(EventSource* source) {
-    return reinterpret_cast<HANDLE>(source);
 }
 
 static int setValue(RegistryKey* key, const char* valueName, DWORD type, const void* data, size_t size) {
@@ -40,19 +36,4 @@ int closeRegistryKey(RegistryKey* key) {
 
 int deleteRegistryKey(const char* name) {
     return RegDeleteKeyA(HKEY_LOCAL_MACHINE, name);
-}
-
-EventSource* registerEventSource(const char* name) {
-    return reinterpret_cast<EventSource*>(RegisterEventSourceA(nullptr, name));
-}
-
-int reportEvent(EventSource* source, EventType type, uint32_t event, const char* const* strings, size_t count) {
-    const WORD category = 0;
-    BOOL reported = ReportEventA(handleOf(source), static_cast<WORD>(type), category, event, nullptr,
-                                 static_cast<WORD>(count), 0, const_cast<const char**>(strings), nullptr);
-    return reported ? 0 : 1;
-}
-
-void deregisterEventSource(EventSource* source) {
-    DeregisterEventSource(handleOf(source));
 }

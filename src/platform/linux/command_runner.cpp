@@ -10,8 +10,8 @@
 #include <unistd.h>
 
 #include "base/text.h"
+#include "platform/linux/native_path.h"
 #include "platform/platform.h"
-#include "platform/posix/native_path.h"
 
 static constexpr size_t COMMAND_SIZE = 2048;
 static constexpr int CANNOT_RUN = 1;

@@ -4,8 +4,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/linux/native_path.h"
 #include "platform/platform.h"
-#include "platform/posix/native_path.h"
 
 FILE* openNativeFile(const char* path) {
     int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
