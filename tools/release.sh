@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 tools/setup.sh windows
-number() { sed -nE "s/^#define TARNLIFT_VERSION_$1 ([0-9]+)$/\1/p" src/include/version_numbers.h; }
+number() { sed -nE "s/^#define TARNLIFT_VERSION_$1 ([0-9]+)$/\1/p" src/settings/program_version.h; }
 name="tarnlift-$(number MAJOR).$(number MINOR).$(number RELEASE).$(number BUILD)-windows-x64"
 staging=build/release
 archive="$PWD/build/$name.zip"

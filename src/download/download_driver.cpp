@@ -4,16 +4,16 @@
 #include <cstring>
 
 #include "base/text.h"
-#include "download/download_status.h"
-#include "include/run_counters.h"
-#include "include/run_options.h"
-#include "include/working_paths.h"
-#include "inventory/hba_list.h"
 #include "inventory/utility_runner.h"
+#include "output/output.h"
 #include "platform/platform.h"
-#include "report/output.h"
+#include "records/hba_list.h"
+#include "records/port_outcome.h"
+#include "records/run_counters.h"
 #include "report/summaries.h"
 #include "report/xml_report.h"
+#include "settings/run_options.h"
+#include "settings/working_paths.h"
 
 static constexpr char GOOD_REPLY[] = "NO Error";
 static constexpr char DOWNLOAD_TWICE_TEXT[] =
@@ -172,6 +172,28 @@ static int takePreview(HbaRecord* hba, const CLUImage* image) {
     appendToRow(hba, "Preview");
     reportResult(hba, image, true);
     return 0;
+}
+
+void updateCNAdownloadStatus(const HbaRecord* hba) {
+    printDbg("\n[updateCNAdownloadStatus]\n");
+    printDbg("currentHba adapterNumber = %d\n", hba->adapterNumber);
+    printDbg("currentHba serialNumber  = %s\n", hba->serialNumber);
+    printDbg("currentHba domain        = %X\n", hba->domain);
+    printDbg("currentHba busNumber     = %X\n", hba->busNumber);
+    printDbg("currentHba downloadStat  = %X\n\n", hba->downloadStat);
+    for (HbaRecord* port = gHbaList; port != nullptr; port = port->next) {
+        if (!isSameBoard(port, hba)) {
+            continue;
+        }
+        port->fwDownloadStatus = hba->fwDownloadStatus;
+        port->downloadStat = hba->downloadStat;
+        printDbg("updatedHba adapterNumber     = %d\n", port->adapterNumber);
+        printDbg("updatedHba serialNumber      = %s\n", port->serialNumber);
+        printDbg("updatedHba domain            = %X\n", port->domain);
+        printDbg("updatedHba busNumber         = %X\n", port->busNumber);
+        printDbg("updatedHba downloadStat      = %d\n\n", port->downloadStat);
+        printDbg("updatedHba fwDownloadStatus  = %d\n\n", port->fwDownloadStatus);
+    }
 }
 
 static int downloadForBoard(HbaRecord* hba, const CLUImage* image) {

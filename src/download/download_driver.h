@@ -4,7 +4,7 @@
 
 #include <cstddef>
 
-#include "include/hba_record.h"
+#include "records/hba_record.h"
 
 inline constexpr size_t DOWNLOAD_COMMAND_SIZE = 508;
 
@@ -17,3 +17,6 @@ int downloadFirmware(HbaRecord* hba, const CLUImage* image);
 
 // Writes the utility's arguments for a download to `out`, which has DOWNLOAD_COMMAND_SIZE bytes.
 void makeDownloadCommand(const HbaRecord* hba, const char* filename, char* out);
+
+// Gives the port's result to every port of its board.
+void updateCNAdownloadStatus(const HbaRecord* hba);

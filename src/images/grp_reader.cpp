@@ -3,8 +3,8 @@
 #include <cstring>
 
 #include "base/text.h"
+#include "output/output.h"
 #include "platform/platform.h"
-#include "report/output.h"
 
 static constexpr size_t GRP_HEADER_SIZE = 140;
 static constexpr size_t GRP_BUILD_STRING_OFFSET = 12;

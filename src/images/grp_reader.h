@@ -4,8 +4,8 @@
 
 #include <cstddef>
 
-#include "include/clu_image.h"
-#include "inventory/adapter_families.h"
+#include "records/adapter_families.h"
+#include "records/clu_image.h"
 
 enum GrpStatus {
     RM_STATUS_OK = 0,

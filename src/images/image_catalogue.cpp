@@ -4,14 +4,14 @@
 #include <cstring>
 
 #include "base/text.h"
-#include "images/clu_image.h"
 #include "images/grp_reader.h"
-#include "include/program_names.h"
-#include "include/run_options.h"
-#include "include/working_paths.h"
-#include "inventory/adapter_families.h"
+#include "output/output.h"
 #include "platform/platform.h"
-#include "report/output.h"
+#include "records/adapter_families.h"
+#include "records/clu_image.h"
+#include "settings/program_names.h"
+#include "settings/run_options.h"
+#include "settings/working_paths.h"
 
 static constexpr size_t DIRECTORY_LIMIT = 220;  // characters; a path that reaches it is refused
 static constexpr size_t IMAGE_PATH_SIZE = DIRECTORY_LIMIT - 1 + IMAGE_FILENAME_SIZE;

@@ -1,7 +1,7 @@
 // Turns firmware files into images: a whole directory for /auto, one file for an entry of fwmatrix.txt, one for /iv.
 #pragma once
 
-#include "include/clu_image.h"
+#include "records/clu_image.h"
 
 // Results of makeFileNameList beside its list.
 enum CatalogueStatus { CATALOGUE_READ = 0, CATALOGUE_EMPTY = 1, CATALOGUE_NO_DIRECTORY = 6 };

@@ -1,13 +1,13 @@
 #include "images/version_rules.h"
 
 #include "download/download_driver.h"
-#include "download/download_status.h"
-#include "images/clu_image.h"
-#include "include/run_options.h"
-#include "inventory/adapter_families.h"
-#include "report/output.h"
+#include "output/output.h"
+#include "records/adapter_families.h"
+#include "records/clu_image.h"
+#include "records/port_outcome.h"
 #include "report/summaries.h"
 #include "report/xml_report.h"
+#include "settings/run_options.h"
 
 static constexpr int INVALID_ARGUMENT = 4;
 

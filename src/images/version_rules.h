@@ -1,7 +1,7 @@
 // The rules for one port and one image: may it go on the port, is a download due, which image of several is the one.
 #pragma once
 
-#include "include/hba_record.h"
+#include "records/hba_record.h"
 
 // Results of isUpdateRequired; any other value is the failure status of downloadFirmware.
 enum UpdateRequired { UPDATE_DOWNLOADED = 0, UPDATE_NOT_REQUIRED = 2 };

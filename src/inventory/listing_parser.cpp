@@ -4,15 +4,15 @@
 #include <cstring>
 
 #include "base/text.h"
-#include "images/clu_image.h"
-#include "include/run_options.h"
-#include "include/working_paths.h"
-#include "inventory/adapter_families.h"
-#include "inventory/hba_list.h"
 #include "inventory/utility_runner.h"
+#include "output/output.h"
 #include "platform/platform.h"
-#include "report/output.h"
-#include "report/status_texts.h"
+#include "records/adapter_families.h"
+#include "records/clu_image.h"
+#include "records/hba_list.h"
+#include "records/port_outcome.h"
+#include "settings/run_options.h"
+#include "settings/working_paths.h"
 
 static constexpr char BLOCK_START[] = "HBA";
 static constexpr size_t BLOCK_GAP = 2;  // the line ends in front of the next block

@@ -4,7 +4,7 @@
 
 #include <cstddef>
 
-#include "include/hba_record.h"
+#include "records/hba_record.h"
 
 enum ListingStatus { LISTING_READ = 0, LISTING_FAILED = 4 };
 

@@ -4,12 +4,12 @@
 #include <cstring>
 
 #include "base/text.h"
-#include "include/program_names.h"
-#include "include/run_options.h"
-#include "include/working_paths.h"
+#include "output/diagnostic_log.h"
+#include "output/output.h"
 #include "platform/platform.h"
-#include "report/diagnostic_log.h"
-#include "report/output.h"
+#include "settings/program_names.h"
+#include "settings/run_options.h"
+#include "settings/working_paths.h"
 
 char utilityOutput[UTILITY_OUTPUT_SIZE];
 

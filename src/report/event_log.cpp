@@ -3,8 +3,8 @@
 #include <cstring>
 
 #include "base/text.h"
+#include "output/output.h"
 #include "platform/platform.h"
-#include "report/output.h"
 
 static constexpr char SOURCE_NAME[] = "Velmar Tarnlift";
 static constexpr char SOURCE_KEY[] = "SYSTEM\\CurrentControlSet\\Services\\Eventlog\\Application\\Velmar Tarnlift";

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "include/hba_record.h"
+#include "records/hba_record.h"
 
 // HbaRecord::eventKind: which report ends a port's selection by fwmatrix.txt.
 enum EventKind : uint32_t {

@@ -3,14 +3,14 @@
 #include <cstring>
 
 #include "base/text.h"
-#include "download/download_status.h"
-#include "include/program_names.h"
-#include "include/run_counters.h"
-#include "include/run_options.h"
-#include "inventory/hba_list.h"
+#include "output/output.h"
 #include "platform/platform.h"
-#include "report/output.h"
+#include "records/hba_list.h"
+#include "records/port_outcome.h"
+#include "records/run_counters.h"
 #include "report/xml_report.h"
+#include "settings/program_names.h"
+#include "settings/run_options.h"
 
 static constexpr size_t IMAGE_TEXT_SIZE = 64;
 static constexpr size_t ROW_SIZE = 1024;  // more than all fields of a record take at their longest

@@ -2,8 +2,8 @@
 // with the return code, the reboot advice.
 #pragma once
 
-#include "include/hba_record.h"
-#include "include/return_codes.h"
+#include "records/hba_record.h"
+#include "settings/return_codes.h"
 
 // What follows the common part of a port's row.
 enum RowKind {

@@ -4,9 +4,9 @@
 
 #include "base/text.h"
 #include "base/utf8.h"
-#include "download/download_status.h"
-#include "include/run_options.h"
-#include "report/output.h"
+#include "output/output.h"
+#include "records/port_outcome.h"
+#include "settings/run_options.h"
 
 // Room for the longest value of a record or image, each byte as the longest entity.
 static constexpr size_t LONGEST_VALUE = 80;

@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "include/hba_record.h"
+#include "records/hba_record.h"
 
 // The building pieces. A level of indent is four blanks; an open tag ends in a blank, its attributes must follow.
 void xmlIndent(int level);

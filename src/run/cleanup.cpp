@@ -1,15 +1,13 @@
 #include "run/cleanup.h"
 
-#include "images/clu_image.h"
-#include "include/run_counters.h"
-#include "include/run_options.h"
-#include "inventory/hba_list.h"
 #include "inventory/utility_runner.h"
-#include "report/diagnostic_log.h"
-#include "report/output.h"
+#include "output/diagnostic_log.h"
+#include "output/output.h"
+#include "records/clu_image.h"
+#include "records/hba_list.h"
+#include "records/run_counters.h"
 #include "selection/fw_matrix.h"
-
-RunCounters runCounters;
+#include "settings/run_options.h"
 
 void initGlobals() {
     runOptions = {};

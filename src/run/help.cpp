@@ -1,10 +1,10 @@
 #include "run/help.h"
 
-#include "include/program_names.h"
-#include "include/run_options.h"
-#include "include/working_paths.h"
-#include "report/output.h"
+#include "output/output.h"
 #include "run/switches.h"
+#include "settings/program_names.h"
+#include "settings/run_options.h"
+#include "settings/working_paths.h"
 
 static constexpr int ENTRIES_IN_A_ROW = 5;  // the first row holds one more
 

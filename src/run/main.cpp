@@ -1,12 +1,11 @@
 // The whole run: one pass, from the test of the system to the return code.
 #include "images/image_catalogue.h"
-#include "include/run_options.h"
-#include "inventory/hba_list.h"
 #include "inventory/listing_parser.h"
+#include "output/diagnostic_log.h"
+#include "output/output.h"
 #include "platform/platform.h"
-#include "report/diagnostic_log.h"
+#include "records/hba_list.h"
 #include "report/event_log.h"
-#include "report/output.h"
 #include "report/summaries.h"
 #include "report/xml_report.h"
 #include "run/cleanup.h"
@@ -15,6 +14,7 @@
 #include "run/port.h"
 #include "run/switches.h"
 #include "selection/fw_matrix.h"
+#include "settings/run_options.h"
 
 static constexpr uint32_t LOWEST_SYSTEM_VERSION = 10;
 

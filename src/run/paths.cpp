@@ -3,21 +3,14 @@
 #include <cstring>
 
 #include "base/text.h"
-#include "include/program_names.h"
-#include "include/run_options.h"
-#include "include/version_numbers.h"
-#include "include/working_paths.h"
+#include "output/output.h"
 #include "platform/platform.h"
-#include "report/output.h"
-
-char versionString[VERSION_STRING_SIZE];
-char binPath[BIN_PATH_SIZE];
-char firmwarePath[WORKING_PATH_SIZE];
-char fwMatrixPath[WORKING_PATH_SIZE];
-char tempFilePath[WORKING_PATH_SIZE];
+#include "settings/program_names.h"
+#include "settings/program_version.h"
+#include "settings/run_options.h"
+#include "settings/working_paths.h"
 
 static constexpr int LONGEST_PROGRAM_ARGUMENT = 218;
-static constexpr int SEARCH_PATH_SIZE = 255;
 static constexpr char PRIVILEGE_KEY[] = "SOFTWARE\\VelmarFwupdate";
 static constexpr char MATRIX_NAME[] = "fwmatrix.txt";
 
@@ -35,20 +28,6 @@ int setupApplicationPaths(char** argv) {
     }
     stripChar(binPath, '"');
     cutBehindLastBackslash(binPath);
-    return 0;
-}
-
-int fileExists(const char* name, const char* directory) {
-    char path[SEARCH_PATH_SIZE];
-    if (!formatText(path, sizeof path, "%s%s", directory, name)) {
-        return 1;
-    }
-    DirectoryEntry entry;
-    DirectorySearch* search = openDirectorySearch(path, &entry);
-    if (search == nullptr) {
-        return 1;
-    }
-    closeDirectorySearch(search);
     return 0;
 }
 

@@ -2,16 +2,16 @@
 
 #include <cstring>
 
-#include "download/download_status.h"
-#include "include/run_counters.h"
-#include "include/run_options.h"
-#include "inventory/hba_list.h"
-#include "report/diagnostic_log.h"
-#include "report/output.h"
+#include "output/diagnostic_log.h"
+#include "output/output.h"
+#include "records/hba_list.h"
+#include "records/port_outcome.h"
+#include "records/run_counters.h"
 #include "report/summaries.h"
 #include "report/xml_report.h"
 #include "selection/auto_selection.h"
 #include "selection/matrix_selection.h"
+#include "settings/run_options.h"
 
 static void tracePort(const HbaRecord* hba) {
     if (dbgFile == nullptr) {

@@ -1,7 +1,7 @@
 // What a run does with one port.
 #pragma once
 
-#include "include/hba_record.h"
+#include "records/hba_record.h"
 
 // Reports the port in a query-only run; in every other run selects an image for it, downloads what is due, and reports.
 void processPort(HbaRecord* hba);

@@ -2,12 +2,10 @@
 
 #include <cstring>
 
-#include "include/program_names.h"
-#include "include/return_codes.h"
+#include "output/output.h"
 #include "platform/platform.h"
-#include "report/output.h"
-
-RunOptions runOptions;
+#include "settings/program_names.h"
+#include "settings/return_codes.h"
 
 static constexpr char DEBUG_FILE_NAME[] = "dbg.log";
 
@@ -245,16 +243,4 @@ void printSwitches() {
 
 void setDefaultRamDrive() {
     runOptions.ramDriveLetter = systemDrive()[0];
-}
-
-bool isQueryOnly() {
-    return runOptions.query && !runOptions.help && !isAutoOrDownloadRun();
-}
-
-bool isDownloadRun() {
-    return runOptions.update || runOptions.downgrade || runOptions.rewrite || runOptions.forceFw;
-}
-
-bool isAutoOrDownloadRun() {
-    return runOptions.autoSelect || isDownloadRun();
 }

@@ -2,7 +2,7 @@
 // together.
 #pragma once
 
-#include "include/run_options.h"
+#include "settings/run_options.h"
 
 // Parses the arguments behind argv[0] into runOptions, which initGlobals has cleared. Returns 0, or RETURN_COMMAND_LINE
 // after a message; the caller prints the help when the result is not 0 or runOptions.help is set. It may cut an argument

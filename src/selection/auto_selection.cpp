@@ -1,16 +1,16 @@
 #include "selection/auto_selection.h"
 
-#include "download/download_status.h"
-#include "images/clu_image.h"
 #include "images/version_rules.h"
-#include "include/program_names.h"
-#include "include/run_counters.h"
-#include "include/run_options.h"
+#include "output/output.h"
+#include "records/clu_image.h"
+#include "records/port_outcome.h"
+#include "records/run_counters.h"
 #include "report/event_log.h"
-#include "report/output.h"
 #include "report/summaries.h"
 #include "report/xml_report.h"
 #include "selection/matrix_selection.h"
+#include "settings/program_names.h"
+#include "settings/run_options.h"
 
 // The highest image that fits the port, null when none does.
 static CLUImage* firstCandidate(const HbaRecord* hba) {

@@ -3,12 +3,12 @@
 #include <cstring>
 
 #include "base/text.h"
-#include "include/run_counters.h"
-#include "include/run_options.h"
-#include "include/working_paths.h"
-#include "inventory/hba_list.h"
+#include "output/output.h"
 #include "platform/platform.h"
-#include "report/output.h"
+#include "records/hba_list.h"
+#include "records/run_counters.h"
+#include "settings/run_options.h"
+#include "settings/working_paths.h"
 
 FILE* gFwMatrixFile = nullptr;
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "include/hba_record.h"
+#include "records/hba_record.h"
 
 inline constexpr size_t MATRIX_TOKEN_SIZE = 32;
 

@@ -4,20 +4,21 @@
 
 #include "base/text.h"
 #include "download/download_driver.h"
-#include "download/download_status.h"
 #include "images/grp_reader.h"
 #include "images/image_catalogue.h"
 #include "images/version_rules.h"
-#include "include/program_names.h"
-#include "include/run_counters.h"
-#include "include/run_options.h"
-#include "include/working_paths.h"
-#include "inventory/hba_list.h"
+#include "output/output.h"
+#include "platform/file_exists.h"
+#include "records/hba_list.h"
+#include "records/port_outcome.h"
+#include "records/run_counters.h"
 #include "report/event_log.h"
-#include "report/output.h"
 #include "report/summaries.h"
 #include "report/xml_report.h"
 #include "selection/fw_matrix.h"
+#include "settings/program_names.h"
+#include "settings/run_options.h"
+#include "settings/working_paths.h"
 
 static constexpr size_t FAILURE_TEXT_SIZE = 256;
 static constexpr uint32_t STATUS_NO_IMAGE = 0xFFFA0000;

@@ -1,7 +1,7 @@
 // The decision for one port by fwmatrix.txt.
 #pragma once
 
-#include "include/hba_record.h"
+#include "records/hba_record.h"
 
 // Decides, downloads what is due, and reports. The outcome lies in the record and the counters.
 void processHbaWithFwMatrix(HbaRecord* hba);

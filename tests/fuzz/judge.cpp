@@ -5,10 +5,10 @@
 #include <expat.h>
 
 #include "fuzz/memory_platform.h"
-#include "include/run_counters.h"
-#include "include/run_options.h"
-#include "inventory/hba_list.h"
 #include "platform/platform.h"
+#include "records/hba_list.h"
+#include "records/run_counters.h"
+#include "settings/run_options.h"
 
 int tarnliftMain(int argc, char** argv);
 

@@ -1,12 +1,12 @@
 // What the utility's reply means, and how the ports of a board share it.
 #include "base/text.h"
 #include "download/download_driver.h"
-#include "download/download_status.h"
-#include "include/run_counters.h"
-#include "include/run_options.h"
-#include "include/working_paths.h"
 #include "inventory/listing_parser.h"
 #include "inventory/utility_runner.h"
+#include "records/port_outcome.h"
+#include "records/run_counters.h"
+#include "settings/run_options.h"
+#include "settings/working_paths.h"
 #include "unit/fixture.h"
 
 struct Download : RunTest {};

@@ -4,15 +4,15 @@
 #include <fstream>
 
 #include "base/text.h"
-#include "images/clu_image.h"
-#include "include/run_options.h"
-#include "include/working_paths.h"
-#include "inventory/adapter_families.h"
-#include "inventory/hba_list.h"
 #include "inventory/listing_parser.h"
+#include "output/output.h"
 #include "platform/platform.h"
-#include "report/output.h"
+#include "records/adapter_families.h"
+#include "records/clu_image.h"
+#include "records/hba_list.h"
 #include "run/cleanup.h"
+#include "settings/run_options.h"
+#include "settings/working_paths.h"
 
 namespace fs = std::filesystem;
 

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "include/hba_record.h"
+#include "records/hba_record.h"
 
 // The rows of a table, to be walked with a name for each column.
 template <class... Columns> using Rows = std::initializer_list<std::tuple<Columns...>>;

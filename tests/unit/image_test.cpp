@@ -3,10 +3,10 @@
 #include <filesystem>
 #include <vector>
 
-#include "images/clu_image.h"
 #include "images/grp_reader.h"
 #include "images/image_catalogue.h"
 #include "images/version_rules.h"
+#include "records/clu_image.h"
 #include "unit/fixture.h"
 
 using Numbers = std::array<uint32_t, 4>;

@@ -2,11 +2,11 @@
 #include <algorithm>
 
 #include "base/text.h"
-#include "include/run_counters.h"
-#include "include/run_options.h"
-#include "inventory/hba_list.h"
 #include "inventory/listing_parser.h"
-#include "report/status_texts.h"
+#include "records/hba_list.h"
+#include "records/port_outcome.h"
+#include "records/run_counters.h"
+#include "settings/run_options.h"
 #include "unit/fixture.h"
 
 struct Listing : RunTest {};

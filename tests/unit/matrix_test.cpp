@@ -1,9 +1,9 @@
 // fwmatrix.txt: the match scan and the entry check.
 #include "base/text.h"
-#include "include/run_counters.h"
-#include "include/run_options.h"
-#include "include/working_paths.h"
+#include "records/run_counters.h"
 #include "selection/fw_matrix.h"
+#include "settings/run_options.h"
+#include "settings/working_paths.h"
 #include "unit/fixture.h"
 
 struct Matrix : RunTest {

@@ -11,10 +11,11 @@
 
 #include "base/text.h"
 #include "images/grp_reader.h"
-#include "include/working_paths.h"
+#include "platform/file_exists.h"
 #include "platform/platform.h"
 #include "run/paths.h"
 #include "selection/fw_matrix.h"
+#include "settings/working_paths.h"
 #include "unit/fixture.h"
 
 namespace fs = std::filesystem;

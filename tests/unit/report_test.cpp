@@ -1,9 +1,9 @@
 // The roll-up, the rows, RM.INI and what makes values safe for XML.
-#include "include/run_counters.h"
-#include "include/run_options.h"
-#include "report/diagnostic_log.h"
+#include "output/diagnostic_log.h"
+#include "records/run_counters.h"
 #include "report/summaries.h"
 #include "report/xml_report.h"
+#include "settings/run_options.h"
 #include "unit/fixture.h"
 
 struct Report : RunTest {

@@ -1,14 +1,14 @@
 // The decisions: modes by relations, with and without the second ASIC revision, over the real selection.
 #include <vector>
 
-#include "download/download_status.h"
-#include "images/clu_image.h"
 #include "images/image_catalogue.h"
 #include "images/version_rules.h"
-#include "include/run_options.h"
-#include "inventory/hba_list.h"
 #include "platform/platform.h"
+#include "records/clu_image.h"
+#include "records/hba_list.h"
+#include "records/port_outcome.h"
 #include "selection/auto_selection.h"
+#include "settings/run_options.h"
 #include "unit/fixture.h"
 
 struct Rules : RunTest {

@@ -1,7 +1,7 @@
 // The tables that the program decides by, walked as data.
 #include <set>
 
-#include "inventory/adapter_families.h"
+#include "records/adapter_families.h"
 #include "selection/fw_matrix.h"
 #include "unit/fixture.h"
 

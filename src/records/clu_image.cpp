@@ -1,11 +1,11 @@
-#include "images/clu_image.h"
+#include "records/clu_image.h"
 
 #include <cstdlib>
 #include <cstring>
 
 #include "base/text.h"
-#include "inventory/adapter_families.h"
-#include "report/output.h"
+#include "output/output.h"
+#include "records/adapter_families.h"
 
 CLUImage* gFirmwareImageList = nullptr;
 

@@ -1,8 +1,4 @@
-#include "download/download_status.h"
-
-#include "inventory/hba_list.h"
-#include "report/output.h"
-#include "report/status_texts.h"
+#include "records/port_outcome.h"
 
 const char* const DownloadStatusMessages[OUTCOME_COUNT] = {
     "Download succeeded.",
@@ -56,27 +52,5 @@ const char* activationSentence(uint8_t fwDownloadStatus) {
         return ACTIVATED_TEXT;
     default:
         return nullptr;
-    }
-}
-
-void updateCNAdownloadStatus(const HbaRecord* hba) {
-    printDbg("\n[updateCNAdownloadStatus]\n");
-    printDbg("currentHba adapterNumber = %d\n", hba->adapterNumber);
-    printDbg("currentHba serialNumber  = %s\n", hba->serialNumber);
-    printDbg("currentHba domain        = %X\n", hba->domain);
-    printDbg("currentHba busNumber     = %X\n", hba->busNumber);
-    printDbg("currentHba downloadStat  = %X\n\n", hba->downloadStat);
-    for (HbaRecord* port = gHbaList; port != nullptr; port = port->next) {
-        if (!isSameBoard(port, hba)) {
-            continue;
-        }
-        port->fwDownloadStatus = hba->fwDownloadStatus;
-        port->downloadStat = hba->downloadStat;
-        printDbg("updatedHba adapterNumber     = %d\n", port->adapterNumber);
-        printDbg("updatedHba serialNumber      = %s\n", port->serialNumber);
-        printDbg("updatedHba domain            = %X\n", port->domain);
-        printDbg("updatedHba busNumber         = %X\n", port->busNumber);
-        printDbg("updatedHba downloadStat      = %d\n\n", port->downloadStat);
-        printDbg("updatedHba fwDownloadStatus  = %d\n\n", port->fwDownloadStatus);
     }
 }

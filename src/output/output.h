@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "base/text.h"
-#include "include/return_codes.h"
+#include "settings/return_codes.h"
 
 // The /log= file and dbg.log, null while not open. Opened by run/switches, closed by run/cleanup.
 extern FILE* logFile;

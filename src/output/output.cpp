@@ -1,9 +1,9 @@
-#include "report/output.h"
+#include "output/output.h"
 
 #include <cstdarg>
 
-#include "include/program_names.h"
-#include "include/run_options.h"
+#include "settings/program_names.h"
+#include "settings/run_options.h"
 
 FILE* logFile = nullptr;
 FILE* dbgFile = nullptr;

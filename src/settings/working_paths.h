@@ -10,7 +10,3 @@ extern char binPath[BIN_PATH_SIZE];           // the program's directory, with a
 extern char firmwarePath[WORKING_PATH_SIZE];  // the firmware files' directory, with a trailing backslash
 extern char fwMatrixPath[WORKING_PATH_SIZE];  // fwmatrix.txt
 extern char tempFilePath[WORKING_PATH_SIZE];  // takes the adapter utility's output
-
-// Looks for `name` in `directory`, which must end in a separator. 0 when it is there, 1 when not; a joined
-// text that does not fit the search is not found. `name` may hold the wildcards of a directory search.
-int fileExists(const char* name, const char* directory);

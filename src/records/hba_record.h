@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "include/clu_image.h"
+#include "records/clu_image.h"
 
 struct HbaRecord {
     CLUImage fwImage;  // the firmware that the port runs, in the form of a file image

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "include/hba_record.h"
+#include "records/hba_record.h"
 
 // HbaRecord::fwDownloadStatus: the index of the message. The numbers stand in the XML report and in the events; those
 // that nothing sets hold the places of the numbers behind them.
@@ -38,6 +38,12 @@ enum PortOutcome : uint8_t {
 
 inline constexpr size_t OUTCOME_COUNT = 37;
 
+// The two sentences on the activation of new firmware, which the listing, the rows and the summary share.
+inline constexpr char REBOOT_TO_ACTIVATE_TEXT[] = "Reboot the system to activate new firmware.";
+inline constexpr char ACTIVATED_TEXT[] =
+    "The new firmware is activated. Some features require an optional reboot. Refer to the Adapter's Firmware and Boot "
+    "Code Release Notes for details.";
+
 extern const char* const DownloadStatusMessages[OUTCOME_COUNT];
 
 // HbaRecord::downloadStat.
@@ -52,6 +58,3 @@ enum BoardResult : uint32_t {
 
 // The sentence on the activation of the firmware that an outcome brings with it, null for most.
 const char* activationSentence(uint8_t fwDownloadStatus);
-
-// Gives the port's result to every port of its board.
-void updateCNAdownloadStatus(const HbaRecord* hba);

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "include/hba_record.h"
+#include "records/hba_record.h"
 
 // The list owns its records; run/cleanup frees them.
 extern HbaRecord* gHbaList;

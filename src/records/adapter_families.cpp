@@ -1,4 +1,4 @@
-#include "inventory/adapter_families.h"
+#include "records/adapter_families.h"
 
 const AdapterFamily* familyOfDevice(uint32_t deviceId) {
     for (const AdapterFamily& family : adapterFamilies) {

@@ -1,13 +1,13 @@
-#include "inventory/hba_list.h"
+#include "records/hba_list.h"
 
 #include <cstdlib>
 #include <cstring>
 
 #include "base/text.h"
-#include "images/clu_image.h"
-#include "include/run_counters.h"
-#include "inventory/adapter_families.h"
-#include "report/output.h"
+#include "output/output.h"
+#include "records/adapter_families.h"
+#include "records/clu_image.h"
+#include "records/run_counters.h"
 
 HbaRecord* gHbaList = nullptr;
 uint16_t gHbaCount = 0;

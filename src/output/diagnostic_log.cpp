@@ -1,12 +1,13 @@
-#include "report/diagnostic_log.h"
+#include "output/diagnostic_log.h"
 
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
 
-#include "include/working_paths.h"
+#include "output/output.h"
+#include "platform/file_exists.h"
 #include "platform/platform.h"
-#include "report/output.h"
+#include "settings/working_paths.h"
 
 RmIniSettings rmIniSettings;
 

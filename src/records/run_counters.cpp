@@ -1,0 +1,3 @@
+#include "records/run_counters.h"
+
+RunCounters runCounters;
