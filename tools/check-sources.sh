@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 # The Windows side needs headers that only its own compiler has; GCC's warnings, which are errors, read it.
-mapfile -t sources < <(git ls-files 'src/*.cpp' 'simulator/*.cpp' ':!src/platform/windows/*')
+mapfile -t sources < <(git ls-files 'src/*.cpp' 'simulator/*.cpp' 'fleet/*.cpp' ':!src/platform/windows/*')
 
 printf '%s\0' "${sources[@]}" | xargs -0 -n 4 -P "$(nproc)" clang-tidy -p build/native --quiet 2>/dev/null
 
