@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "include/version_numbers.h"
+#include "settings/program_version.h"
 
 namespace fleet {
 
