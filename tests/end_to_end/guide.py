@@ -1,4 +1,8 @@
-"""Runs the commands of docs/operator-guide.md and compares; `guide.py --update` writes what they print into it."""
+"""Runs the commands of docs/operator-guide.md, chapter by chapter, and compares what they print with what it shows.
+
+`guide.py --update` writes the output of the program into the guide instead of failing.
+"""
+import difflib
 import os
 import re
 import sys
@@ -8,39 +12,78 @@ from machine import BIN, TOP, WINDOWS, Machine, MachineTest, spelled, wine
 
 GUIDE = TOP / "docs/operator-guide.md"
 SOURCES = "".join(file.read_text() for file in sorted((TOP / "src").rglob("*.[ch]*")))
-# A file, "`NAME`:" and its block; or a command and its output, in which [...] stands for any text. "$ " is for Linux alone.
-STEP = r"^`([\w.]+)`:\n\n```\w+\n((?:(?!```).*\n)*)|^(C:\\Tarnlift> |\$ )(.*)\n((?:(?!C:\\Tarnlift> |\$ |```).*\n)*)"
+PROMPT = r"(?:C:\\Tarnlift> |\$ )"  # "$ " is a Linux shell
+# A step is a file, "`NAME`:" and its code block, or a command and its output. [...] in an output stands for any text.
+FILE_STEP = r"^`(?P<file>[\w.-]+)`:\n\n```\w+\n(?P<content>(?:(?!```).*\n)*)"
+COMMAND_STEP = rf"^(?P<prompt>{PROMPT})(?P<command>.*)\n(?P<shown>(?:(?!{PROMPT}|```).*\n)*)"
+ELISION = "[...]"
 os.environ.update(PATH=".:" + os.environ["PATH"], TARNLIFT_HOST="host", TEMP=r"C:\temp")
 
 
+def matches(shown, output):
+    return re.fullmatch(re.escape(shown).replace(re.escape(ELISION), ".*"), output, re.S) is not None
+
+
+def with_elisions(shown, output):
+    """The lines of the output, with the elisions of the shown lines where they still fit."""
+    inline = [line for line in shown if ELISION in line and line != ELISION]
+    output = [next((line for line in inline if matches(line, printed)), printed) for printed in output]
+    merged = []
+    for _, start, end, from_line, to_line in difflib.SequenceMatcher(None, shown, output, autojunk=False).get_opcodes():
+        elided = shown[start:end] == [ELISION]
+        merged += [ELISION] if elided else output[from_line:to_line]
+    return merged
+
+
 class Guide(MachineTest):
-    def run_chapter(self, chapter):
+    def set_up_server(self):
+        """The server that each chapter begins with: the sample adapters, table and firmware files."""
         images = re.findall(r"^\| `(.*?-(.*?)\.grp)` \| (\d+) \|", GUIDE.read_text(), re.M)
         self.place = self.machine(images=[(int(family), version, name) for name, version, family in images]).path
         os.chdir(self.place)
         os.system(f"mkdir -p host/drives/c/temp; cp '{TOP}'/simulator/adapters.sample.txt adapters.txt; "
                   f"cp '{TOP}'/share/fwmatrix.sample.txt fwmatrix.txt; cp '{BIN}'/mkgrp* '{TOP}'/share/examples/*.cmd .")
-        return re.sub(STEP, self.take_step, chapter, flags=re.M)
 
-    def take_step(self, step):
-        file, content, prompt, command, shown = step.groups()
-        if file:
-            (self.place / file).write_text(content)
-        if file or prompt == "$ " and WINDOWS or ".cmd" in command and not WINDOWS:
+    def run_chapter(self, chapter):
+        """The chapter as it would be if it showed what its commands print."""
+        self.set_up_server()
+        return re.sub(f"{FILE_STEP}|{COMMAND_STEP}", self.run_step, chapter, flags=re.M)
+
+    def run_step(self, step):
+        if step["file"]:
+            (self.place / step["file"]).write_text(step["content"])
             return step[0]
+        linux_only = step["prompt"] == "$ "
+        windows_only = ".cmd" in step["command"]
+        if linux_only and WINDOWS or windows_only and not WINDOWS:
+            return step[0]
+        shown, output = step["shown"].strip("\n"), self.run_command(step["command"])
+        if matches(shown, output):
+            return step[0]
+        lines = with_elisions(shown.split("\n"), output.split("\n"))
+        line_ends = re.search("\n*$", step["shown"])[0] or "\n"
+        return step["prompt"] + "\n".join([step["command"], *lines]) + line_ends
+
+    def run_command(self, command):
         text = re.sub("%ERRORLEVEL%", lambda _: str(self.done.returncode), command).replace("\\", "\\\\")
         on_linux = ["sh", "-c", "type() { cat $1; }\n" + text]
         self.done = wine(*["cmd", "/c", "set", "COMPUTERNAME=SERVER01&&", *text.split()] if WINDOWS else on_linux)
-        output = Machine.text(self.done.stdout).strip("\n").replace(spelled(self.place), r"C:\Tarnlift").replace(str(self.place), "~")
-        output = re.sub(r"(?m)^\([\d:.]+\) \(\d+\)", "(22:19:06.017) (4312)", output.replace("TIME", "Sun Nov 22 22:19:06 2026"))
-        as_shown = re.fullmatch(re.escape(shown.strip("\n")).replace(r"\[\.\.\.\]", ".*"), output, re.S)
-        return step[0] if as_shown else f"{prompt}{command}\n{output}\n\n"
+        output = Machine.text(self.done.stdout).strip("\n").replace(spelled(self.place), r"C:\Tarnlift")
+        output = output.replace(str(self.place), "~").replace("TIME", "Sun Nov 22 22:19:06 2026")
+        return re.sub(r"(?m)^\([\d:.]+\) \(\d+\)", "(22:19:06.017) (4312)", output)
 
     def test_its_commands_print_what_it_shows(self):
-        done = "".join(map(self.run_chapter, re.split("^(?=## )", GUIDE.read_text(), flags=re.M)))
+        chapters = re.split("^(?=## )", GUIDE.read_text(), flags=re.M)
+        done = [self.run_chapter(chapter) for chapter in chapters]
         if "--update" in sys.argv:
-            GUIDE.write_text(done)
-        self.assertEqual(GUIDE.read_text(), done)
+            GUIDE.write_text("".join(done))
+            return
+        for chapter, printed in zip(chapters, done):
+            title = chapter.split("\n", 1)[0].lstrip("# ")
+            difference = difflib.unified_diff(chapter.split("\n"), printed.split("\n"), "the guide shows",
+                                              "its commands print", lineterm="", n=3)
+            with self.subTest(chapter=title):
+                self.assertTrue(chapter == printed, "\n" + "\n".join(difference))
 
     def test_its_tables_say_what_the_sources_say(self):
         messages = re.sub(r'"\n *"', "", SOURCES.split("DownloadStatusMessages[OUTCOME_COUNT] = {")[1].split("};")[0])
