@@ -1,0 +1,2 @@
+const fleet = JSON.parse(document.getElementById("fleet").textContent);
+document.getElementById("page").textContent = `${fleet.servers.length} servers`;
