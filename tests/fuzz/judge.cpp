@@ -8,9 +8,9 @@
 #include "platform/platform.h"
 #include "records/hba_list.h"
 #include "records/run_counters.h"
+#include "run/cleanup.h"
+#include "run/run.h"
 #include "settings/run_options.h"
-
-int tarnliftMain(int argc, char** argv);
 
 std::vector<std::string> split(const std::string& text, char separator) {
     std::vector<std::string> parts;
@@ -72,7 +72,12 @@ void judgedRun() {
     FILE* console = std::exchange(stdout, openFile("the console", OPEN_WRITE));
     runOptions = {};
     machine.running = true;
-    const int code = tarnliftMain(static_cast<int>(arguments.size()), argv.data());
+    startPlatform();
+    int code = prepareRun(argv.data());
+    if (code == RETURN_SUCCEEDED) {
+        code = runTarnlift(static_cast<int>(arguments.size()), argv.data());
+        cleanup();
+    }
     machine.running = false;
     fclose(std::exchange(stdout, console));
 
