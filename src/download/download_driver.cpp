@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 
 #include "base/text.h"
 #include "inventory/utility_runner.h"
@@ -10,8 +11,8 @@
 #include "records/hba_list.h"
 #include "records/port_outcome.h"
 #include "records/run_counters.h"
-#include "report/summaries.h"
-#include "report/xml_report.h"
+#include "report/port_report.h"
+#include "report/port_rows.h"
 #include "settings/run_options.h"
 #include "settings/working_paths.h"
 
@@ -23,7 +24,7 @@ static constexpr char DOWNLOAD_TWICE_TEXT[] =
 
 static constexpr int ANY_EXIT_STATUS = -1;
 
-// What a reply of the utility means. `exitStatus` is ANY_EXIT_STATUS in the row for all that has none of its own.
+// What a reply of the utility means. Its text decides between success and failure, the exit status decides which kind.
 struct ReplyMeaning {
     bool noError;  // the reply holds "NO Error"
     int exitStatus;
@@ -32,8 +33,7 @@ struct ReplyMeaning {
     uint16_t RunCounters::*boardCounter;  // counted for ports of a .grp family; null for none
 };
 
-// The text of a reply decides between success and failure, the exit status decides which kind. The row without a
-// status of its own stands behind the others of its half.
+// The ANY_EXIT_STATUS row matches every other exit status and must be the last row of its half.
 static constexpr ReplyMeaning replyMeanings[] = {
     {true, 80, BOARD_REBOOT_REQUIRED, OUTCOME_REBOOT_REQUIRED, nullptr},
     {true, 87, BOARD_DOWNLOAD_TWICE, OUTCOME_DOWNLOAD_TWICE, &RunCounters::twiceCount},
@@ -52,16 +52,19 @@ static constexpr ReplyMeaning replyMeanings[] = {
     {false, ANY_EXIT_STATUS, BOARD_FAILED, OUTCOME_FAILED, &RunCounters::boardFailCount},
 };
 
-// Never null: each half of the table ends with the row for every status.
-static const ReplyMeaning* meaningOfReply(bool noError, int exitStatus) {
-    const ReplyMeaning* row = replyMeanings;
-    while (row->noError != noError || (row->exitStatus != exitStatus && row->exitStatus != ANY_EXIT_STATUS)) {
-        row++;
+static const ReplyMeaning& meaningOfReply(bool noError, int exitStatus) {
+    for (const ReplyMeaning& row : replyMeanings) {
+        if (row.noError == noError && (row.exitStatus == exitStatus || row.exitStatus == ANY_EXIT_STATUS)) {
+            return row;
+        }
     }
-    return row;
+    return replyMeanings[std::size(replyMeanings) - 1];
 }
+static_assert(!replyMeanings[std::size(replyMeanings) - 1].noError &&
+                  replyMeanings[std::size(replyMeanings) - 1].exitStatus == ANY_EXIT_STATUS,
+              "the last row is a failure of any kind");
 
-// What a later port of a board reports, by the board's result. The last row holds for every other result.
+// What a later port of a board reports, by the board's result. The last row matches every other result.
 struct InheritedResult {
     BoardResult boardResult;
     PortOutcome outcome;
@@ -88,18 +91,6 @@ static void makeRow(HbaRecord* hba, const CLUImage* image) {
     formatDownloadRow(hba->downloadRow, hba, image->decodedVersion, "Firmware", hba->fwVersion, image->filename);
 }
 
-static void reportResult(const HbaRecord* hba, const CLUImage* image, bool updated) {
-    if (runOptions.xml) {
-        xmlWriteVersionChange(updated ? "true" : "false", hba->fwVersion, image->decodedVersion, hba->fwDownloadStatus);
-    }
-}
-
-static void printRow(const HbaRecord* hba) {
-    if (!runOptions.xml) {
-        printDownloadRow(hba);
-    }
-}
-
 static bool canOpen(const char* filename) {
     char path[DOWNLOAD_COMMAND_SIZE];
     formatText(path, sizeof path, "%s%s", firmwarePath, filename);
@@ -111,7 +102,7 @@ static bool canOpen(const char* filename) {
     return true;
 }
 
-// The image has gone. The result stays with this port; the others of its board try for themselves.
+// The image file has disappeared. The result stays with this port; the others of its board try for themselves.
 static int failUnopened(HbaRecord* hba, const CLUImage* image) {
     makeRow(hba, image);
     runCounters.downloadFailCount++;
@@ -120,11 +111,8 @@ static int failUnopened(HbaRecord* hba, const CLUImage* image) {
         runCounters.boardFailCount++;
     }
     hba->fwDownloadStatus = OUTCOME_IMAGE_NOT_OPENED;
-    reportResult(hba, image, false);
-    if (!runOptions.xml) {
-        appendToRow(hba, "Error: unable to open firmware image!\n");
-        printOut("%s", hba->downloadRow);
-    }
+    reportDownload(hba, image, false);
+    reportUnopenedImage(hba);
     return 1;
 }
 
@@ -141,36 +129,36 @@ static uint16_t runDownload(const HbaRecord* hba, const CLUImage* image) {
     return exitStatus;
 }
 
-static void countResult(const ReplyMeaning* meaning, bool grpAdapter) {
-    if (!meaning->noError) {
+static void countResult(const ReplyMeaning& meaning, bool grpAdapter) {
+    if (!meaning.noError) {
         runCounters.downloadFailCount++;
     }
-    if (grpAdapter && meaning->boardCounter != nullptr) {
-        (runCounters.*meaning->boardCounter)++;
+    if (grpAdapter && meaning.boardCounter != nullptr) {
+        (runCounters.*meaning.boardCounter)++;
     }
 }
 
-// Turns the utility's reply into the port's outcome. Returns 0 when it was a success, else 1.
-static int takeReply(HbaRecord* hba, const CLUImage* image, uint16_t exitStatus) {
+// Turns the utility's reply into the port's outcome. Returns 0 for a success, else 1.
+static int evaluateReply(HbaRecord* hba, const CLUImage* image, uint16_t exitStatus) {
     bool grpAdapter = isGrpAdapter(hba) != 0;
     bool noError = strstr(utilityOutput, GOOD_REPLY) != nullptr;
-    // Outside the .grp families a success has but one form.
-    const ReplyMeaning* meaning = meaningOfReply(noError, grpAdapter || !noError ? exitStatus : ANY_EXIT_STATUS);
+    // Outside the .grp families there is only one kind of success.
+    const ReplyMeaning& meaning = meaningOfReply(noError, grpAdapter || !noError ? exitStatus : ANY_EXIT_STATUS);
     if (grpAdapter) {
-        hba->downloadStat = meaning->boardResult;
+        hba->downloadStat = meaning.boardResult;
     }
-    hba->fwDownloadStatus = meaning->outcome;
+    hba->fwDownloadStatus = meaning.outcome;
     countResult(meaning, grpAdapter);
     appendToRow(hba, noError ? "Success" : "Error");
-    reportResult(hba, image, noError);
+    reportDownload(hba, image, noError);
     return noError ? 0 : 1;
 }
 
-static int takePreview(HbaRecord* hba, const CLUImage* image) {
+static int recordPreview(HbaRecord* hba, const CLUImage* image) {
     hba->downloadStat = BOARD_DOWNLOADED;
     hba->fwDownloadStatus = OUTCOME_PREVIEW_SUCCEEDED;
     appendToRow(hba, "Preview");
-    reportResult(hba, image, true);
+    reportDownload(hba, image, true);
     return 0;
 }
 
@@ -201,11 +189,11 @@ static int downloadForBoard(HbaRecord* hba, const CLUImage* image) {
     if (runOptions.preview) {
         printDbg("fw download   = preview\n");
         makeRow(hba, image);
-        result = takePreview(hba, image);
+        result = recordPreview(hba, image);
     } else {
         uint16_t exitStatus = runDownload(hba, image);
         makeRow(hba, image);
-        result = takeReply(hba, image, exitStatus);
+        result = evaluateReply(hba, image, exitStatus);
     }
     if (isGrpAdapter(hba)) {
         updateCNAdownloadStatus(hba);
@@ -213,7 +201,7 @@ static int downloadForBoard(HbaRecord* hba, const CLUImage* image) {
     if (runCounters.twiceCount != 0) {
         appendToRow(hba, DOWNLOAD_TWICE_TEXT);
     }
-    printRow(hba);
+    reportDownloadRow(hba);
     return result;
 }
 
@@ -226,25 +214,27 @@ static bool isOwnFailure(uint8_t outcome) {
     return false;
 }
 
-static const InheritedResult* inheritedResult(uint32_t downloadStat) {
-    const InheritedResult* row = inheritedResults;
-    while (row->boardResult != downloadStat && row->succeeded) {
-        row++;
+static const InheritedResult& inheritedResult(uint32_t downloadStat) {
+    for (const InheritedResult& row : inheritedResults) {
+        if (row.boardResult == downloadStat) {
+            return row;
+        }
     }
-    return row;
+    return inheritedResults[std::size(inheritedResults) - 1];
 }
+static_assert(!inheritedResults[std::size(inheritedResults) - 1].succeeded, "an unknown result is a failure");
 
-static uint8_t inheritedOutcome(const HbaRecord* hba, const InheritedResult* inherited) {
-    if (runOptions.preview && inherited->boardResult == BOARD_DOWNLOADED) {
+static uint8_t inheritedOutcome(const HbaRecord* hba, const InheritedResult& inherited) {
+    if (runOptions.preview && inherited.boardResult == BOARD_DOWNLOADED) {
         return OUTCOME_PREVIEW_SUCCEEDED;
     }
-    if (runOptions.preview && !inherited->succeeded) {
+    if (runOptions.preview && !inherited.succeeded) {
         return OUTCOME_PREVIEW_FAILED;
     }
-    if (!inherited->succeeded && isOwnFailure(hba->fwDownloadStatus)) {
+    if (!inherited.succeeded && isOwnFailure(hba->fwDownloadStatus)) {
         return hba->fwDownloadStatus;
     }
-    return inherited->outcome;
+    return inherited.outcome;
 }
 
 static void printSkipping(const HbaRecord* hba) {
@@ -256,27 +246,27 @@ static void printSkipping(const HbaRecord* hba) {
     printDbg("currentHba downloadStat  = %X\n\n", hba->downloadStat);
 }
 
-// Reports for a port what an earlier port of its board got.
+// Reports the result of an earlier port of the same board.
 static int inheritDownload(HbaRecord* hba, const CLUImage* image) {
-    const InheritedResult* inherited = inheritedResult(hba->downloadStat);
+    const InheritedResult& inherited = inheritedResult(hba->downloadStat);
     runCounters.boardDownloadCount--;
     makeRow(hba, image);
     hba->fwDownloadStatus = inheritedOutcome(hba, inherited);
     bool previewed =
         hba->fwDownloadStatus == OUTCOME_PREVIEW_SUCCEEDED || hba->fwDownloadStatus == OUTCOME_PREVIEW_FAILED;
-    appendToRow(hba, previewed ? "Preview" : inherited->succeeded ? "Success" : "Error");
-    if (inherited->boardResult == BOARD_DOWNLOAD_TWICE) {
+    appendToRow(hba, previewed ? "Preview" : inherited.succeeded ? "Success" : "Error");
+    if (inherited.boardResult == BOARD_DOWNLOAD_TWICE) {
         appendToRow(hba, "\n");
         appendToRow(hba, DOWNLOAD_TWICE_TEXT);
     }
-    if (!inherited->succeeded) {
+    if (!inherited.succeeded) {
         runCounters.downloadFailCount++;
         runCounters.boardFailCount++;
     }
-    reportResult(hba, image, inherited->succeeded);
-    printRow(hba);
+    reportDownload(hba, image, inherited.succeeded);
+    reportDownloadRow(hba);
     printSkipping(hba);
-    return inherited->succeeded ? 0 : 1;
+    return inherited.succeeded ? 0 : 1;
 }
 
 int executeFwDownload(HbaRecord* hba, const CLUImage* image) {

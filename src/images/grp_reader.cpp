@@ -5,10 +5,10 @@
 #include "base/text.h"
 #include "output/output.h"
 #include "platform/platform.h"
+#include "records/fixed_words.h"
 
 static constexpr size_t GRP_HEADER_SIZE = 140;
 static constexpr size_t GRP_BUILD_STRING_OFFSET = 12;
-static constexpr char NO_VERSION[] = "0.0.0.0";
 
 // Case counts: a.Grp is no firmware file.
 static bool holdsGrp(const char* name) {
@@ -45,7 +45,7 @@ int getGRPBuildVersion(const char* path, CLUImage* image) {
         return RM_STATUS_INVALID_ARGUMENT;
     }
     printDbg("Input file = %s\n", path);
-    copyText(image->decodedVersion, sizeof image->decodedVersion, NO_VERSION);
+    copyText(image->decodedVersion, sizeof image->decodedVersion, WORD_NO_VERSION);
     image->imageType = 0;
     uint32_t signature = 0;
     int status = getGRPBuildString(&signature, path, image->decodedVersion);

@@ -16,9 +16,6 @@
 static constexpr size_t DIRECTORY_LIMIT = 220;  // characters; a path that reaches it is refused
 static constexpr size_t IMAGE_PATH_SIZE = DIRECTORY_LIMIT - 1 + IMAGE_FILENAME_SIZE;
 
-// The first firmware of the family that runs on its second ASIC revision.
-static constexpr uint32_t lowestB1Version[] = {14, 4, 188, 1};
-
 // Says what is wrong with a directory path, null when nothing is.
 static const char* directoryFault(const char* directory) {
     size_t length = strlen(directory);
@@ -31,32 +28,36 @@ static const char* directoryFault(const char* directory) {
     return directory[length - 1] == '\\' ? nullptr : "Directory path does not include trailing \\";
 }
 
-// Fills what follows from the image's header: the version's numbers and the ASIC revision that it is fit for.
+// True when the image runs on the newer ASIC revision of its family.
+static bool runsOnNewerAsic(const CLUImage* image, const NewerAsic* asic) {
+    const uint32_t* lowest = asic->lowestVersion;
+    return asic->revision != 0 &&
+           isEqualOrHigherThanTestVersion(image->CNAMajorVer, image->CNAMinorVer, image->CNAReleaseVer,
+                                          image->CNABuildVer, lowest[0], lowest[1], lowest[2], lowest[3]) != 0;
+}
+
+// Derives the version numbers and the ASIC revision from the header of a verified image.
 static void completeImage(CLUImage* image, const char* fileName) {
     copyText(image->filename, sizeof image->filename, fileName);
     encodeCNAVersion(&image->CNAMajorVer, &image->CNAMinorVer, &image->CNAReleaseVer, &image->CNABuildVer,
                      sizeof image->decodedVersion, image->decodedVersion);
-    if (image->imageType == B1_FAMILY_IMAGE_TYPE &&
-        isEqualOrHigherThanTestVersion(image->CNAMajorVer, image->CNAMinorVer, image->CNAReleaseVer, image->CNABuildVer,
-                                       lowestB1Version[0], lowestB1Version[1], lowestB1Version[2],
-                                       lowestB1Version[3])) {
-        image->asicRevisionId = B1_ASIC_REVISION;
+    const AdapterFamily* family = familyOfImageType(image->imageType);
+    if (family != nullptr && runsOnNewerAsic(image, &family->newerAsic)) {
+        image->asicRevisionId = family->newerAsic.revision;
     }
-    // The name in brackets is that of the directory scan on both roads; readers of the trace know it so.
+    // initFileImage traces under this name, too: readers of the trace expect it.
     printDbg("\n[makeFileNameList] asicRevisionId = 0x%x\n", image->asicRevisionId);
 }
 
-// Puts a verified image as a record of its own at the end of the list; without memory for one the file is left out.
-// Returns where the next one goes.
-static CLUImage** addToList(CLUImage** end, const CLUImage* verified, const char* fileName) {
+// Inserts a verified image as a record of its own; skipped if out of memory. Returns the list's head.
+static CLUImage* addToList(CLUImage* head, const CLUImage* verified, const char* fileName) {
     CLUImage* image = static_cast<CLUImage*>(malloc(sizeof(CLUImage)));
     if (image == nullptr) {
-        return end;
+        return head;
     }
     *image = *verified;
     completeImage(image, fileName);
-    *end = image;
-    return &image->next;
+    return insertCLUImage(image, head);
 }
 
 // Reads the header of one entry of the directory. Returns true when it is a firmware image.
@@ -97,17 +98,16 @@ CLUImage* makeFileNameList(const char* directory, uint32_t* status, uint32_t ima
         return nullptr;
     }
     CLUImage* head = nullptr;
-    CLUImage** end = &head;
     *status = CATALOGUE_EMPTY;
     do {
         CLUImage image;
         if (verifyEntry(directory, &entry, imageClass, &image)) {
             *status = CATALOGUE_READ;
-            end = addToList(end, &image, entry.name);
+            head = addToList(head, &image, entry.name);
         }
     } while (nextDirectoryEntry(search, &entry));
     closeDirectorySearch(search);
-    return sortCLUImageList(head);
+    return head;
 }
 
 int initFileImage(CLUImage* image, const char* directory, const char* fileName, uint32_t imageClass) {

@@ -1,15 +1,9 @@
 #include "images/version_rules.h"
 
-#include "download/download_driver.h"
 #include "output/output.h"
 #include "records/adapter_families.h"
 #include "records/clu_image.h"
-#include "records/port_outcome.h"
-#include "report/summaries.h"
-#include "report/xml_report.h"
 #include "settings/run_options.h"
-
-static constexpr int INVALID_ARGUMENT = 4;
 
 int isValidCNAImageType(uint32_t imageType) {
     return familyOfImageType(imageType) != nullptr ? 1 : 0;
@@ -18,14 +12,14 @@ int isValidCNAImageType(uint32_t imageType) {
 int isUpdateNeededCNA(const CLUImage* current, const CLUImage* candidate, int sameVersionCounts) {
     if (current == nullptr || candidate == nullptr) {
         printDbg("[isUpdateNeededCNA] - Invalid arguments!\n");
-        return INVALID_ARGUMENT;
+        return UPDATE_INVALID_ARGUMENT;
     }
     if (!isValidCNAImageType(candidate->imageType) && !isValidCNAImageType(current->imageType)) {
         printDbg("[isUpdateNeededCNA] - ERROR: Invalid image type!\n");
-        return INVALID_ARGUMENT;
+        return UPDATE_INVALID_ARGUMENT;
     }
     int order = isGreaterCNAVersion(candidate, current);
-    return order > 0 || (order == 0 && sameVersionCounts == 1) ? 1 : 0;
+    return order == IMAGE_ABOVE || (order == IMAGE_EQUAL && sameVersionCounts == 1) ? UPDATE_NEEDED : UPDATE_NOT_NEEDED;
 }
 
 int isUpdateNeeded(const CLUImage* current, const CLUImage* candidate) {
@@ -33,17 +27,21 @@ int isUpdateNeeded(const CLUImage* current, const CLUImage* candidate) {
     return isUpdateNeededCNA(current, candidate, sameVersionCounts);
 }
 
-int isDownloadDue(const CLUImage* current, const CLUImage* candidate) {
-    bool needed = isUpdateNeeded(current, candidate) != 0;
+bool isDownloadDue(const CLUImage* current, const CLUImage* candidate) {
+    bool needed = isUpdateNeeded(current, candidate) != UPDATE_NOT_NEEDED;
     if (runOptions.downgrade) {
         needed = !needed;
     }
     bool operation = runOptions.update || runOptions.rewrite || runOptions.downgrade;
-    return runOptions.forceFw || (operation && needed) ? 1 : 0;
+    return runOptions.forceFw || (operation && needed);
 }
 
 int isB1Adapter(const HbaRecord* hba) {
-    return hba->deviceId == B1_DEVICE_ID && hba->fwImage.asicRevisionId >= B1_ASIC_REVISION ? 1 : 0;
+    const AdapterFamily* family = familyOfDevice(hba->deviceId);
+    return family != nullptr && family->newerAsic.revision != 0 &&
+                   hba->fwImage.asicRevisionId >= family->newerAsic.revision
+               ? 1
+               : 0;
 }
 
 int isCompatibleImage(const HbaRecord* hba, const CLUImage* image) {
@@ -78,36 +76,4 @@ CLUImage* getFirstFwMatch(uint32_t imageType, CLUImage* head) {
         image = image->next;
     }
     return image;
-}
-
-// Shows the image that was looked at for the port.
-static void reportSupportedImage(HbaRecord* hba, const CLUImage* image) {
-    if (runOptions.xml) {
-        xmlWriteSupportedImage(image->decodedVersion, image->filename);
-    } else {
-        printHbaRowConsole(hba, image->filename, ROW_SUPPORTED_IMAGE);
-    }
-}
-
-int isUpdateRequired(HbaRecord* hba, const CLUImage* image) {
-    if (isDownloadDue(&hba->fwImage, image)) {
-        printDbg("update needed = true\n");
-        reportSupportedImage(hba, image);
-        return downloadFirmware(hba, image);
-    }
-    hba->fwDownloadStatus = OUTCOME_NOT_NEEDED;
-    if (runOptions.downgrade) {
-        return UPDATE_NOT_REQUIRED;
-    }
-    printDbg("update needed = false\n");
-    if (runOptions.update || runOptions.rewrite) {
-        reportSupportedImage(hba, image);
-        if (runOptions.xml) {
-            xmlWriteVersionChange("false", hba->fwVersion, image->decodedVersion, OUTCOME_NOT_NEEDED);
-        }
-    }
-    if (runOptions.verbose) {
-        printUpdateNotRequired(hba, "firmware");
-    }
-    return UPDATE_NOT_REQUIRED;
 }

@@ -9,17 +9,15 @@
 #include "platform/platform.h"
 #include "records/adapter_families.h"
 #include "records/clu_image.h"
+#include "records/fixed_words.h"
 #include "records/hba_list.h"
 #include "records/port_outcome.h"
 #include "settings/run_options.h"
 #include "settings/working_paths.h"
 
 static constexpr char BLOCK_START[] = "HBA";
-static constexpr size_t BLOCK_GAP = 2;  // the line ends in front of the next block
+static constexpr size_t BLOCK_GAP = 2;  // the line end before the next block
 static constexpr size_t VALUE_SIZE = 256;
-static constexpr char NO_VALUE[] = "N/A";
-static constexpr char NO_BOOT_CODE[] = "NONE";
-static constexpr char NO_FW_VERSION[] = "0.0.0.0";
 static constexpr uint32_t ASIC_REVISION_MASK = 0xFF;
 static constexpr uint32_t CSF_NOT_KNOWN = UINT32_MAX;
 
@@ -32,7 +30,7 @@ int getAttribute(const char* block, const char* key, char* out, size_t size, cha
         copyPiece(out, size, value, strcspn(value, "\n\r ,;"));
     }
     if (value == nullptr || out[0] == '\0') {
-        copyText(out, size, NO_VALUE);
+        copyText(out, size, WORD_NOT_AVAILABLE);
         return 1;
     }
     return 0;
@@ -50,12 +48,12 @@ static uint32_t readNumberKey(const char* block, const char* key, int base) {
 
 static const char* activationText(uint32_t changeStatus, uint32_t csf) {
     if (csf == CSF_NOT_KNOWN) {
-        return NO_VALUE;
+        return WORD_NOT_AVAILABLE;
     }
     if (changeStatus != 0) {
         return REBOOT_TO_ACTIVATE_TEXT;
     }
-    return csf != 0 ? ACTIVATED_TEXT : NO_VALUE;
+    return csf != 0 ? ACTIVATED_TEXT : WORD_NOT_AVAILABLE;
 }
 
 static void readAddress(HbaRecord* hba, const char* block) {
@@ -101,8 +99,8 @@ static void readFirmwareVersion(HbaRecord* hba, const char* block) {
     readTextKey(block, "FW Version", hba->fwVersion, sizeof hba->fwVersion);
     printDbg("\n[makeHbaList]\nDiscovered fwVersion = %s\n", hba->fwVersion);
     upperCaseInPlace(hba->fwVersion);
-    if (strstr(hba->fwVersion, NO_VALUE) != nullptr) {
-        copyText(hba->fwVersion, sizeof hba->fwVersion, NO_FW_VERSION);
+    if (strstr(hba->fwVersion, WORD_NOT_AVAILABLE) != nullptr) {
+        copyText(hba->fwVersion, sizeof hba->fwVersion, WORD_NO_VERSION);
     }
 }
 
@@ -110,11 +108,11 @@ static void readBootVersion(HbaRecord* hba, const char* block) {
     readTextKey(block, "Boot Version", hba->bcVersion, sizeof hba->bcVersion);
     printDbg("\n[makeHbaList]\nDiscovered bcVersion = %s\n", hba->bcVersion);
     upperCaseInPlace(hba->bcVersion);
-    if (strstr(hba->bcVersion, NO_VALUE) != nullptr) {
+    if (strstr(hba->bcVersion, WORD_NOT_AVAILABLE) != nullptr) {
         return;
     }
-    if (beginsIgnoringCase(hba->bcVersion, NO_BOOT_CODE)) {
-        copyText(hba->bcVersion, sizeof hba->bcVersion, NO_BOOT_CODE);
+    if (beginsIgnoringCase(hba->bcVersion, WORD_NONE)) {
+        copyText(hba->bcVersion, sizeof hba->bcVersion, WORD_NONE);
         return;
     }
     CLUImage* boot = &hba->bootImage;
@@ -155,7 +153,7 @@ static void readPort(HbaRecord* hba, const char* block) {
     printCLUImage(&hba->fwImage);
 }
 
-// Makes a port of the `length` characters at `start`, or leaves it out when there is no memory for it.
+// Makes a port from the `length` characters at `start`; skipped if out of memory.
 static void addPort(const char* start, size_t length) {
     char* block = static_cast<char*>(malloc(length + 1));
     if (block == nullptr) {
@@ -181,16 +179,16 @@ void parseListing(const char* text) {
     }
 }
 
-// Removes the temp file; `road` names in the trace which road of makeHbaList this is.
-static void removeListing(const char* road) {
+// Removes the temp file; `tag` (v0 to v3) tells in the trace where makeHbaList was.
+static void removeListing(const char* tag) {
     int removal = removeFile(tempFilePath);
     if (removal != 0) {
-        printDbg("makeHbaList: remove %s failed status %d\n", road, removal);
+        printDbg("makeHbaList: remove %s failed status %d\n", tag, removal);
     }
 }
 
-static int giveUpListing(const char* road, const char* why) {
-    removeListing(road);
+static int failListing(const char* tag, const char* why) {
+    removeListing(tag);
     printDbg("%s", why);
     return LISTING_FAILED;
 }
@@ -202,15 +200,15 @@ int makeHbaList() {
         return LISTING_FAILED;
     }
     if (getCharacterCountFromTempFile(&count) != 0) {
-        return giveUpListing("v0", "Error determing the character count\n");
+        return failListing("v0", "Error determing the character count\n");
     }
     char* text = static_cast<char*>(calloc(static_cast<size_t>(count) + 1, 1));
     if (text == nullptr) {
-        return giveUpListing("v1", "Could not allocate buffer space\n");
+        return failListing("v1", "Could not allocate buffer space\n");
     }
     if (getBufferDataFromTempFile(text, count) != 0) {
         free(text);
-        return giveUpListing("v2", "Error filling buffer\n");
+        return failListing("v2", "Error filling buffer\n");
     }
     removeListing("v3");
     parseListing(text);

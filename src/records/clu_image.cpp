@@ -5,15 +5,13 @@
 
 #include "base/text.h"
 #include "output/output.h"
+#include "output/trace_fields.h"
 #include "records/adapter_families.h"
+#include "records/fixed_words.h"
 
 CLUImage* gFirmwareImageList = nullptr;
 
-static constexpr int ORDER_UNKNOWN = 4;  // isGreaterCNAVersion, beside 1, 0 and -1
-
-enum EncodingStatus { VERSION_ENCODED = 0, VERSION_NOT_ENCODED = 4 };
-
-static constexpr uint32_t FC_IMAGE_TYPE = 1;  // known to the dump, given to nothing
+static constexpr uint32_t FC_IMAGE_TYPE = 1;  // named in dumps only; no image gets it
 
 // Reads digits up to the first other character; what does not fit gives the highest number.
 static uint32_t readDigits(const char* text, size_t length) {
@@ -67,17 +65,15 @@ int isGreaterCNAVersion(const CLUImage* a, const CLUImage* b) {
                                                               &CLUImage::CNABuildVer};
     if (a == nullptr || b == nullptr) {
         printDbg("[isGreaterCNAVersion] - Invalid arguments!\n");
-        return ORDER_UNKNOWN;
+        return IMAGE_ORDER_UNKNOWN;
     }
     for (auto field : orderedBy) {
         if (a->*field != b->*field) {
-            return a->*field > b->*field ? 1 : -1;
+            return a->*field > b->*field ? IMAGE_ABOVE : IMAGE_BELOW;
         }
     }
-    return 0;
+    return IMAGE_EQUAL;
 }
-
-enum FieldOrder { FIELD_LOWER = 0, FIELD_HIGHER = 1, FIELD_EQUAL = 2 };
 
 int compareVersionField(uint32_t curVersion, uint32_t testVersion) {
     if (curVersion < testVersion) {
@@ -92,7 +88,7 @@ int compareVersionField(uint32_t curVersion, uint32_t testVersion) {
     return FIELD_EQUAL;
 }
 
-// One of the four numbers of a version beside the same number of the test version, with its names in the trace.
+// One component of both versions, and its names in the trace.
 struct VersionPair {
     const char* title;
     const char* name;
@@ -144,42 +140,22 @@ int isEqualOrHigherThanTestVersion(uint32_t majorVer, uint32_t minorVer, uint32_
     return status;
 }
 
-// Merges two sorted lists. Of equal images those of `first` come first.
-static CLUImage* mergeCLUImageLists(CLUImage* first, CLUImage* second) {
-    CLUImage* head = nullptr;
-    CLUImage** end = &head;
-    while (first != nullptr && second != nullptr) {
-        CLUImage** next = isGreaterCNAVersion(second, first) == 1 ? &second : &first;
-        *end = *next;
-        end = &(*next)->next;
-        *next = *end;
-    }
-    *end = first != nullptr ? first : second;
-    return head;
-}
-
-CLUImage* sortCLUImageList(CLUImage* head) {
-    static constexpr size_t MOST_RUNS = 32;
-    CLUImage* runs[MOST_RUNS] = {};  // runs[i] is a sorted list of 2 to the power of i images, or empty
-    while (head != nullptr) {
-        CLUImage* run = head;
-        head = head->next;
-        run->next = nullptr;
-        size_t i = 0;
-        for (; i < MOST_RUNS - 1 && runs[i] != nullptr; i++) {
-            run = mergeCLUImageLists(runs[i], run);
-            runs[i] = nullptr;
-        }
-        runs[i] = mergeCLUImageLists(runs[i], run);
-    }
-    for (CLUImage* run : runs) {
-        head = mergeCLUImageLists(run, head);
-    }
+CLUImage* insertCLUImage(CLUImage* image, CLUImage* head) {
     CLUImage* before = nullptr;
-    for (CLUImage* image = head; image != nullptr; image = image->next) {
-        image->prev = before;
-        before = image;
+    CLUImage* after = head;
+    while (after != nullptr && isGreaterCNAVersion(image, after) != IMAGE_ABOVE) {
+        before = after;
+        after = after->next;
     }
+    image->prev = before;
+    image->next = after;
+    if (after != nullptr) {
+        after->prev = image;
+    }
+    if (before == nullptr) {
+        return image;
+    }
+    before->next = image;
     return head;
 }
 
@@ -192,20 +168,20 @@ void freeCLUImageList(CLUImage* head) {
 }
 
 void printCLUImageVersion(uint32_t major, uint32_t minor, uint32_t release, uint32_t build) {
-    printDbg("%-20s : %d\n", "CNAMajorVer", major);
-    printDbg("%-20s : %d\n", "CNAMinorVer", minor);
-    printDbg("%-20s : %d\n", "CNAReleaseVer", release);
-    printDbg("%-20s : %d\n", "CNABuildVer", build);
+    traceNumber("CNAMajorVer", major);
+    traceNumber("CNAMinorVer", minor);
+    traceNumber("CNAReleaseVer", release);
+    traceNumber("CNABuildVer", build);
 }
 
 void printCLUImageType(uint32_t imageType) {
     const AdapterFamily* family = familyOfImageType(imageType);
-    const char* name = family != nullptr ? family->name : imageType == FC_IMAGE_TYPE ? "FC_IMAGE" : "N/A";
-    printDbg("%-20s : %d (%s)\n", "Image Type", imageType, name);
+    const char* otherName = imageType == FC_IMAGE_TYPE ? "FC_IMAGE" : WORD_NOT_AVAILABLE;
+    traceNamedNumber("Image Type", imageType, family != nullptr ? family->name : otherName);
 }
 
 void printCLUImageExtType(uint32_t extType) {
-    printDbg("%-20s : %d (%s)\n", "extType", extType, extType == GRP_EXTENSION_TYPE ? "GRPext" : "N/A");
+    traceNamedNumber("extType", extType, extType == GRP_EXTENSION_TYPE ? "GRPext" : WORD_NOT_AVAILABLE);
 }
 
 void printCLUImage(const CLUImage* image) {
@@ -213,9 +189,9 @@ void printCLUImage(const CLUImage* image) {
         printDbg("\n[printCLUImage] - Invalid argument!\n");
         return;
     }
-    printDbg("%-20s : %s\n", "filename", image->filename);
-    printDbg("%-20s : %s\n", "decodedVersion", image->decodedVersion);
-    printDbg("%-20s : %X\n", "asicRevisionId", image->asicRevisionId);
+    traceText("filename", image->filename);
+    traceText("decodedVersion", image->decodedVersion);
+    traceHex("asicRevisionId", image->asicRevisionId);
     printCLUImageVersion(image->CNAMajorVer, image->CNAMinorVer, image->CNAReleaseVer, image->CNABuildVer);
     printCLUImageType(image->imageType);
     printCLUImageExtType(image->extType);

@@ -1,4 +1,4 @@
-// One adapter port: what the listing says of it, what selection decided, how the download ended.
+// One adapter port: its facts from the listing, what selection decided, how the download ended; and the tests on it.
 #pragma once
 
 #include <cstdint>
@@ -44,3 +44,18 @@ struct HbaRecord {
     HbaRecord* next;
     HbaRecord* prev;
 };
+
+// Return 1 or 0. A .grp adapter is one of either line: its firmware comes in .grp files, and the ports of its board share
+// one download.
+int isTamborAdapter(const HbaRecord* hba);
+int isCoralAdapter(const HbaRecord* hba);
+int isGrpAdapter(const HbaRecord* hba);
+
+// Returns 1 when the port's data are unusable, else 0.
+int isInvalidHba(const HbaRecord* hba);
+
+// True when the two ports are on one board.
+bool isSameBoard(const HbaRecord* a, const HbaRecord* b);
+
+// Traces all fields of the port.
+void printHba(const HbaRecord* hba);

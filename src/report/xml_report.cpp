@@ -5,13 +5,14 @@
 #include "base/text.h"
 #include "base/utf8.h"
 #include "output/output.h"
+#include "records/fixed_words.h"
 #include "records/port_outcome.h"
 #include "settings/run_options.h"
 
 // Room for the longest value of a record or image, each byte as the longest entity.
 static constexpr size_t LONGEST_VALUE = 80;
 static constexpr size_t LONGEST_ENTITY = 6;
-static constexpr char UNFIT[] = "?";
+static constexpr char REPLACEMENT[] = "?";  // for a byte that XML cannot hold
 
 struct SafeText {
     char text[LONGEST_VALUE * LONGEST_ENTITY];
@@ -43,13 +44,13 @@ static size_t xmlCharacterLength(const char* text) {
     return noncharacter ? 0 : length;
 }
 
-// Makes a value from outside fit for an attribute.
+// Makes a value from outside safe for an attribute.
 static SafeText safeText(const char* value) {
     SafeText safe = {};
     size_t used = 0;
     while (*value != '\0') {
         size_t length = xmlCharacterLength(value);
-        const char* entity = length == 0 ? UNFIT : entityOf(*value);
+        const char* entity = length == 0 ? REPLACEMENT : entityOf(*value);
         if (entity != nullptr) {
             copyText(safe.text + used, sizeof safe.text - used, entity);
         } else {
@@ -64,34 +65,24 @@ static SafeText safeText(const char* value) {
 static constexpr int INDENT_WIDTH = 4;
 
 void xmlIndent(int level) {
-    if (runOptions.xml) {
-        printOut("%*s", level * INDENT_WIDTH, "");
-    }
+    printOut("%*s", level * INDENT_WIDTH, "");
 }
 
 void xmlOpenTag(const char* name, int level) {
-    if (runOptions.xml) {
-        printOut("%*s<%s ", level * INDENT_WIDTH, "", name);
-    }
+    printOut("%*s<%s ", level * INDENT_WIDTH, "", name);
 }
 
 void xmlCloseTag(const char* name, int level) {
-    if (runOptions.xml) {
-        printOut("%*s</%s>\n", level * INDENT_WIDTH, "", name);
-    }
+    printOut("%*s</%s>\n", level * INDENT_WIDTH, "", name);
 }
 
 void xmlWriteProlog() {
-    if (runOptions.xml) {
-        printOut("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
-    }
+    printOut("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
 }
 
 void xmlWriteRootOpen(const char* name) {
-    if (runOptions.xml) {
-        xmlOpenTag(name, 0);
-        printOut("lang=\"en\">\n");
-    }
+    xmlOpenTag(name, 0);
+    printOut("lang=\"en\">\n");
 }
 
 void xmlWriteRootClose(const char* name) {
@@ -99,14 +90,11 @@ void xmlWriteRootClose(const char* name) {
 }
 
 void xmlWriteDeviceOpen(const HbaRecord* hba) {
-    if (runOptions.xml) {
-        xmlOpenTag("Device", 1);
-        printOut("hba=\"%s\" portType=\"%s\" venId=\"%04X\" devId=\"%04X\" subDevId=\"%04X\" subVenId=\"%04X\" "
-                 "bus=\"%X\" device=\"%X\" function=\"%X\" wwpn=\"%s\">\n",
-                 safeText(hba->model).text, safeText(hba->portType).text, hba->vendorId, hba->deviceId,
-                 hba->subDeviceId, hba->subVendorId, hba->busNumber, hba->devNumber, hba->funNumber,
-                 safeText(hba->portWwn).text);
-    }
+    xmlOpenTag("Device", 1);
+    printOut("hba=\"%s\" portType=\"%s\" venId=\"%04X\" devId=\"%04X\" subDevId=\"%04X\" subVenId=\"%04X\" "
+             "bus=\"%X\" device=\"%X\" function=\"%X\" wwpn=\"%s\">\n",
+             safeText(hba->model).text, safeText(hba->portType).text, hba->vendorId, hba->deviceId, hba->subDeviceId,
+             hba->subVendorId, hba->busNumber, hba->devNumber, hba->funNumber, safeText(hba->portWwn).text);
 }
 
 void xmlWriteDeviceInventory(const HbaRecord* hba) {
@@ -116,27 +104,21 @@ void xmlWriteDeviceInventory(const HbaRecord* hba) {
 }
 
 void xmlWriteApplicationRows(const HbaRecord* hba) {
-    if (runOptions.xml) {
-        xmlOpenTag("Application", 2);
-        printOut("componentType=\"firmware\" version=\"%s\"/>\n", safeText(hba->fwVersion).text);
-        xmlOpenTag("Application", 2);
-        printOut("componentType=\"bootCode\" version=\"%s\" enabled=\"%d\"/>\n", safeText(hba->bcVersion).text,
-                 hba->bootEnabled);
-    }
+    xmlOpenTag("Application", 2);
+    printOut("componentType=\"firmware\" version=\"%s\"/>\n", safeText(hba->fwVersion).text);
+    xmlOpenTag("Application", 2);
+    printOut("componentType=\"bootCode\" version=\"%s\" enabled=\"%d\"/>\n", safeText(hba->bcVersion).text,
+             hba->bootEnabled);
 }
 
 void xmlWriteApplicationOpen(const HbaRecord* hba) {
-    if (runOptions.xml) {
-        xmlOpenTag("Application", 2);
-        printOut("componentType=\"firmware\" version=\"%s\">\n", safeText(hba->fwVersion).text);
-    }
+    xmlOpenTag("Application", 2);
+    printOut("componentType=\"firmware\" version=\"%s\">\n", safeText(hba->fwVersion).text);
 }
 
 void xmlWriteSupportedImage(const char* version, const char* file) {
-    if (runOptions.xml) {
-        xmlOpenTag("SupportedImage", 3);
-        printOut("file=\"%s\" version=\"%s\"/>\n", safeText(file).text, safeText(version).text);
-    }
+    xmlOpenTag("SupportedImage", 3);
+    printOut("file=\"%s\" version=\"%s\"/>\n", safeText(file).text, safeText(version).text);
 }
 
 void xmlWriteVersionChange(const char* update, const char* currentVersion, const char* newVersion, uint32_t status) {
@@ -148,17 +130,27 @@ void xmlWriteVersionChange(const char* update, const char* currentVersion, const
 }
 
 void xmlWriteNoImageApplication(const HbaRecord* hba) {
-    if (runOptions.xml && isDownloadRun()) {
+    if (isDownloadRun()) {
         xmlWriteApplicationOpen(hba);
-        xmlWriteSupportedImage("NONE", "NONE");
-        xmlWriteVersionChange("false", hba->fwVersion, "NONE", hba->fwDownloadStatus);
+        xmlWriteSupportedImage(WORD_NONE, WORD_NONE);
+        xmlWriteVersionChange("false", hba->fwVersion, WORD_NONE, hba->fwDownloadStatus);
         xmlCloseTag("Application", 2);
     }
 }
 
-void xmlWriteRebootRequired(int flag, int level) {
-    if (runOptions.xml) {
-        xmlIndent(level);
-        printOut("<RebootRequired>%d</RebootRequired>\n", flag);
+void xmlWriteMessage(ReturnCode code, const char* sentence, uint16_t twiceCount) {
+    xmlOpenTag("Message", 1);
+    printOut("id=\"%d\"> %s. ", code, sentence);
+    if (twiceCount != 0) {
+        printOut("%d adapter%s include a special firmware release that requires the firmware download process to be "
+                 "performed twice. Reboot the system and run tarnlift again using the /f or /rewrite option to "
+                 "download the same firmware file again. ",
+                 twiceCount, twiceCount > 1 ? "s" : "");
     }
+    xmlCloseTag("Message", 0);
+}
+
+void xmlWriteRebootRequired(int flag, int level) {
+    xmlIndent(level);
+    printOut("<RebootRequired>%d</RebootRequired>\n", flag);
 }

@@ -4,6 +4,7 @@
 
 #include "base/text.h"
 #include "output/output.h"
+#include "output/trace_fields.h"
 #include "platform/platform.h"
 #include "settings/program_names.h"
 #include "settings/program_version.h"
@@ -12,6 +13,7 @@
 
 static constexpr int LONGEST_PROGRAM_ARGUMENT = 218;
 static constexpr char PRIVILEGE_KEY[] = "SOFTWARE\\VelmarFwupdate";
+static constexpr char FIRMWARE_DIRECTORY[] = "firmware\\";
 static constexpr char MATRIX_NAME[] = "fwmatrix.txt";
 
 void printVersion() {
@@ -31,20 +33,25 @@ int setupApplicationPaths(char** argv) {
     return 0;
 }
 
-void setDirectoryPaths() {
-    const char* imageBase = runOptions.imageDir[0] != '\0' ? runOptions.imageDir : binPath;
-    const char* imageJoint = runOptions.imageDir[0] != '\0' ? "\\" : "";
-    formatText(firmwarePath, sizeof firmwarePath, "%s%sfirmware\\", imageBase, imageJoint);
+// Joins `name` to the directory of a switch, or to the program's directory, which ends in a backslash, without one.
+static void composePath(char path[WORKING_PATH_SIZE], const char* switchDirectory, const char* name) {
+    if (switchDirectory[0] != '\0') {
+        formatText(path, WORKING_PATH_SIZE, "%s\\%s", switchDirectory, name);
+    } else {
+        formatText(path, WORKING_PATH_SIZE, "%s%s", binPath, name);
+    }
+}
 
-    const char* matrixBase = runOptions.fwMatrixDir[0] != '\0' ? runOptions.fwMatrixDir : binPath;
-    const char* matrixJoint = runOptions.fwMatrixDir[0] != '\0' ? "\\" : "";
-    formatText(fwMatrixPath, sizeof fwMatrixPath, "%s%s%s", matrixBase, matrixJoint, MATRIX_NAME);
+void setDirectoryPaths() {
+    composePath(firmwarePath, runOptions.imageDir, FIRMWARE_DIRECTORY);
+    composePath(fwMatrixPath, runOptions.fwMatrixDir, MATRIX_NAME);
 
     printDbg("[Directory Paths]\n");
-    printDbg("%-20s : %s\n", "Firmware path", firmwarePath);
-    printDbg("%-20s : %s\n", "Bin path", binPath);
-    printDbg("%-20s : %s\n", "Fwmatrix.txt", fwMatrixPath);
-    printDbg("%-20s : %s\n\n", "CLI util", cliUtilName);
+    traceText("Firmware path", firmwarePath);
+    traceText("Bin path", binPath);
+    traceText("Fwmatrix.txt", fwMatrixPath);
+    traceText("CLI util", cliUtilName);
+    printDbg("\n");
 }
 
 void setTempFile() {

@@ -1,4 +1,4 @@
-// Fixes the places that the run works with (include/working_paths.h), and tests the user's rights.
+// Sets the paths that the run works with (settings/working_paths.h), and tests the user's rights.
 #pragma once
 
 // Composes versionString.

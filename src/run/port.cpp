@@ -4,11 +4,10 @@
 
 #include "output/diagnostic_log.h"
 #include "output/output.h"
-#include "records/hba_list.h"
+#include "records/fixed_words.h"
 #include "records/port_outcome.h"
 #include "records/run_counters.h"
-#include "report/summaries.h"
-#include "report/xml_report.h"
+#include "report/port_report.h"
 #include "selection/auto_selection.h"
 #include "selection/matrix_selection.h"
 #include "settings/run_options.h"
@@ -32,22 +31,18 @@ static void queryPort(HbaRecord* hba) {
     if (isInvalidHba(hba)) {
         runCounters.queryFailCount++;
     }
-    printQueryRow(hba, "NONE", ROW_PORT);
+    printQueryRow(hba, WORD_NONE, ROW_PORT);
 }
 
 static bool hasFirmwareVersion(const HbaRecord* hba) {
-    return strcmp(hba->fwVersion, "N/A") != 0 && strcmp(hba->fwVersion, "NONE") != 0;
+    return strcmp(hba->fwVersion, WORD_NOT_AVAILABLE) != 0 && strcmp(hba->fwVersion, WORD_NONE) != 0;
 }
 
-// A port without a firmware version goes to no selection and moves no counter.
-static void passBy(HbaRecord* hba) {
+// A port without a firmware version is not selected and moves no counter.
+static void skipWithoutVersion(HbaRecord* hba) {
     printDbg("firmware version N/A!!!\n");
     hba->fwDownloadStatus = OUTCOME_UNKNOWN_FIRMWARE_VERSION;
-    if (runOptions.xml) {
-        xmlWriteNoImageApplication(hba);
-    } else {
-        printHbaRowConsole(hba, "NONE", ROW_PORT);
-    }
+    reportNoFirmwareVersion(hba);
 }
 
 void processPort(HbaRecord* hba) {
@@ -56,13 +51,13 @@ void processPort(HbaRecord* hba) {
         queryPort(hba);
         return;
     }
-    xmlWriteDeviceOpen(hba);
+    beginPort(hba);
     if (!hasFirmwareVersion(hba)) {
-        passBy(hba);
+        skipWithoutVersion(hba);
     } else if (runOptions.autoSelect) {
         processHbaAuto(hba);
     } else {
         processHbaWithFwMatrix(hba);
     }
-    xmlCloseTag("Device", 1);
+    endPort();
 }

@@ -7,8 +7,8 @@
 #include "platform/platform.h"
 #include "records/hba_list.h"
 #include "report/event_log.h"
+#include "report/port_report.h"
 #include "report/summaries.h"
-#include "report/xml_report.h"
 #include "run/cleanup.h"
 #include "run/help.h"
 #include "run/paths.h"
@@ -29,7 +29,7 @@ static void readDiagnosticSettings() {
     }
 }
 
-// Walks the ports. A failure of one port never ends the walk; it lies in the port's record and the counters.
+// Walks the ports. A failure of one port never ends the walk; it is recorded in the port's record and the counters.
 static void workOnPorts() {
     printDbg("[Begin execution]");
     logLine("[Begin execution]");
@@ -38,7 +38,7 @@ static void workOnPorts() {
     }
 }
 
-// Turns what the run counted into its closing words and its return code.
+// Turns the counters into the closing sentences and the return code.
 static ReturnCode closeReport() {
     if (runOptions.verbose && isDownloadRun()) {
         printSummaries();
@@ -101,14 +101,13 @@ int runTarnlift(int argc, char** argv) {
     }
     printHbaList();
 
-    const char* rootElement = isQueryOnly() ? "Inventory" : "Execution";
-    xmlWriteProlog();
-    xmlWriteRootOpen(rootElement);
+    const char* reportKind = isQueryOnly() ? "Inventory" : "Execution";
+    beginReport(reportKind);
     if (runOptions.downloadRequested) {
         createTarnliftRegKey(argv[0]);
     }
     workOnPorts();
     ReturnCode returnCode = closeReport();
-    xmlWriteRootClose(rootElement);
+    endReport(reportKind);
     return returnCode;
 }

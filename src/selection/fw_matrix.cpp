@@ -5,7 +5,7 @@
 #include "base/text.h"
 #include "output/output.h"
 #include "platform/platform.h"
-#include "records/hba_list.h"
+#include "records/fixed_words.h"
 #include "records/run_counters.h"
 #include "settings/run_options.h"
 #include "settings/working_paths.h"
@@ -110,9 +110,9 @@ static const char* takeToken(const char* line, char out[MATRIX_TOKEN_SIZE]) {
     line += strspn(line, SEPARATORS);
     size_t length = strcspn(line, SEPARATORS);
     if (length == 0) {
-        copyText(out, MATRIX_TOKEN_SIZE, MATRIX_NO_FILE);
+        copyText(out, MATRIX_TOKEN_SIZE, WORD_NONE);
     } else if (length >= MATRIX_TOKEN_SIZE) {
-        copyText(out, MATRIX_TOKEN_SIZE, MATRIX_INVALID_FILE);
+        copyText(out, MATRIX_TOKEN_SIZE, WORD_INVALID_FILE);
     } else {
         copyPiece(out, MATRIX_TOKEN_SIZE, line, length);
     }
@@ -137,7 +137,7 @@ static bool matchLine(const HbaRecord* hba, const char* line, char* fwFile, char
     runCounters.knownHbaCount++;
     line = takeToken(line, fwFile);
     if (isGrpAdapter(hba)) {
-        copyText(bcFile, MATRIX_TOKEN_SIZE, MATRIX_NO_FILE);
+        copyText(bcFile, MATRIX_TOKEN_SIZE, WORD_NONE);
     } else {
         takeToken(line, bcFile);
     }
@@ -147,8 +147,8 @@ static bool matchLine(const HbaRecord* hba, const char* line, char* fwFile, char
 }
 
 int getFwMatrixMatch(const HbaRecord* hba, char* fwFile, char* bcFile) {
-    copyText(fwFile, MATRIX_TOKEN_SIZE, MATRIX_NO_FILE);
-    copyText(bcFile, MATRIX_TOKEN_SIZE, MATRIX_NO_FILE);
+    copyText(fwFile, MATRIX_TOKEN_SIZE, WORD_NONE);
+    copyText(bcFile, MATRIX_TOKEN_SIZE, WORD_NONE);
     printDbg("[getFwMatrixMatch]\n");
     if (!startScan()) {
         return 0;

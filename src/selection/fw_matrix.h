@@ -10,10 +10,6 @@
 
 inline constexpr size_t MATRIX_TOKEN_SIZE = 32;
 
-// What stands for a file name that the table does not give, or that is too long to be one.
-inline constexpr char MATRIX_NO_FILE[] = "NONE";
-inline constexpr char MATRIX_INVALID_FILE[] = "INVALID_FILE";
-
 // A model that the entry check knows. It gives a port no right to a firmware file, and takes none away. Only the name
 // decides anything.
 struct FwMatrixModelEntry {
@@ -36,8 +32,8 @@ int openFwMatrix();
 // Tells the operator which entries are for a model that FwMatrixModelTable does not have. Nothing depends on it.
 void verifyFWmatrixEntries();
 
-// Looks the port's model up. Both outputs have MATRIX_TOKEN_SIZE bytes and get a file name or one of the two words
-// above; the last line for the model decides. Returns 1 when there was a line for it, else 0.
+// Looks the port's model up. Both outputs have MATRIX_TOKEN_SIZE bytes and get a file name,
+// WORD_NONE without one or WORD_INVALID_FILE for one that is too long; the last line for the model decides. Returns 1 when there was a line for it, else 0.
 int getFwMatrixMatch(const HbaRecord* hba, char* fwFile, char* bcFile);
 
 // Returns 0 when the model is in FwMatrixModelTable, else 1. `shortCode` has 8 bytes and gets the model's, else "XX".

@@ -9,22 +9,22 @@
 #include "images/version_rules.h"
 #include "output/output.h"
 #include "platform/file_exists.h"
-#include "records/hba_list.h"
+#include "records/fixed_words.h"
 #include "records/port_outcome.h"
 #include "records/run_counters.h"
 #include "report/event_log.h"
-#include "report/summaries.h"
-#include "report/xml_report.h"
+#include "report/port_report.h"
 #include "selection/fw_matrix.h"
+#include "settings/operation_words.h"
 #include "settings/program_names.h"
 #include "settings/run_options.h"
 #include "settings/working_paths.h"
 
 static constexpr size_t FAILURE_TEXT_SIZE = 256;
 static constexpr uint32_t STATUS_NO_IMAGE = 0xFFFA0000;
-static constexpr int FILE_NOT_FOUND = 20;  // beside the GrpStatus of a file that is there
+static constexpr int IMAGE_NOT_FOUND = 20;  // is no GrpStatus
 
-// Why a port gets no image: what the record and the message say of it.
+// Why a port gets no image, in its record, its event and its message.
 struct ImageFailure {
     PortOutcome outcome;
     EventKind eventKind;
@@ -44,14 +44,11 @@ static constexpr ImageFailure otherFile = {OUTCOME_IMAGE_NOT_OPENED, EVENT_IMAGE
                                            "Error - invalid firmware file found"};
 
 void setNotRequiredReason(const char** reason) {
-    *reason = runOptions.update      ? "Firmware update is not required."
-              : runOptions.downgrade ? "Firmware downgrade is not required."
-              : runOptions.rewrite   ? "Firmware rewrite is not required."
-                                     : "Download is not required.";
+    *reason = selectedOperation().notRequired;
 }
 
-// Ends a port's selection with the report that its eventKind asks for.
-static void reportEventOfPort(HbaRecord* hba, const char* fwFile) {
+// Sends the event that the port's eventKind asks for.
+static void sendPortEvent(HbaRecord* hba, const char* fwFile) {
     const char* version = hba->fwImage.decodedVersion;
     const uint8_t sfjByte = sfjByteOf(hba);
     switch (hba->eventKind) {
@@ -71,34 +68,30 @@ static void reportEventOfPort(HbaRecord* hba, const char* fwFile) {
 }
 
 // Such a port counts neither as a failure nor as a success.
-static void passWithoutEntry(HbaRecord* hba) {
+static void skipWithoutEntry(HbaRecord* hba) {
     hba->fwDownloadStatus = OUTCOME_NO_MATRIX_MODEL;
-    if (runOptions.xml) {
-        xmlWriteNoImageApplication(hba);
-    } else if (runOptions.query && isAutoOrDownloadRun()) {
-        printHbaRowConsole(hba, "NONE", ROW_NO_SUPPORTED_IMAGE);
-    }
+    reportNoImage(hba);
     if (runOptions.verbose) {
         printOut("\n%s: No fwmatrix.txt entry for HBA = %s\n", appName, hba->fwMatrixType);
     }
     hba->eventKind = EVENT_NO_IMAGE;
     hba->eventReason = "fwmatrix.txt model entry not found.";
     if (isDownloadRun()) {
-        reportEventOfPort(hba, MATRIX_NO_FILE);
+        sendPortEvent(hba, WORD_NONE);
     }
 }
 
-// Builds the image that the entry names. Returns null on success, else why there is none; `status` is what the message
-// shows.
+// Builds the image that the entry names. Returns null on success, else why there is none; `status` is the number in
+// the message.
 static const ImageFailure* getImage(CLUImage* image, const char* fwFile, uint32_t* status) {
     *status = STATUS_NO_IMAGE;
-    if (strcmp(fwFile, MATRIX_NO_FILE) == 0) {
+    if (strcmp(fwFile, WORD_NONE) == 0) {
         return &noEntryFile;
     }
-    if (strcmp(fwFile, MATRIX_INVALID_FILE) == 0) {
+    if (strcmp(fwFile, WORD_INVALID_FILE) == 0) {
         return &invalidEntry;
     }
-    int result = FILE_NOT_FOUND;
+    int result = IMAGE_NOT_FOUND;
     if (fileExists(fwFile, firmwarePath) == 0) {
         result = initFileImage(image, firmwarePath, fwFile, IMAGE_CLASS_SELECTION);
     }
@@ -116,7 +109,7 @@ static const ImageFailure* getImage(CLUImage* image, const char* fwFile, uint32_
     }
 }
 
-static void passWithoutImage(HbaRecord* hba, const ImageFailure* failure, uint32_t status) {
+static void failWithoutImage(HbaRecord* hba, const ImageFailure* failure, uint32_t status) {
     hba->fwDownloadStatus = failure->outcome;
     hba->eventKind = failure->eventKind;
     hba->eventReason = failure->reason;
@@ -126,11 +119,7 @@ static void passWithoutImage(HbaRecord* hba, const ImageFailure* failure, uint32
         runCounters.boardFailCount++;
         runCounters.boardDownloadCount++;
     }
-    if (runOptions.xml) {
-        xmlWriteNoImageApplication(hba);
-    } else if (runOptions.query) {
-        printHbaRowConsole(hba, "NONE", ROW_NO_SUPPORTED_IMAGE);
-    }
+    reportNoImage(hba);
     if (runOptions.verbose) {
         char failureText[FAILURE_TEXT_SIZE];
         formatText(failureText, sizeof failureText, "\n%s: %s for HBA = %s, status = %X\n", appName, failure->message,
@@ -139,45 +128,21 @@ static void passWithoutImage(HbaRecord* hba, const ImageFailure* failure, uint32
     }
 }
 
-// Shows the port with the image that was looked at, and opens its element in the report.
-static void openPortReport(HbaRecord* hba, const CLUImage* image) {
-    if (runOptions.xml) {
-        xmlWriteApplicationOpen(hba);
-        xmlWriteSupportedImage(image->decodedVersion, image->filename);
-    } else {
-        printHbaRowConsole(hba, image->decodedVersion, ROW_SUPPORTED_IMAGE);
-    }
-}
-
-static void downloadDueImage(HbaRecord* hba, const CLUImage* image) {
-    printDbg("true\n");
-    openPortReport(hba, image);
-    downloadFirmware(hba, image);
-    xmlCloseTag("Application", 2);
-}
-
-static void passWithoutNeed(HbaRecord* hba, const CLUImage* image) {
-    printDbg("false\n");
-    hba->fwDownloadStatus = OUTCOME_NOT_NEEDED;
-    openPortReport(hba, image);
-    if (runOptions.xml) {
-        xmlWriteVersionChange("false", hba->fwVersion, image->decodedVersion, OUTCOME_NOT_NEEDED);
-    }
-    if (runOptions.verbose) {
-        printUpdateNotRequired(hba, "firmware");
-    }
-    xmlCloseTag("Application", 2);
-    hba->eventKind = EVENT_NOT_REQUIRED;
-}
-
 static void decideByVersion(HbaRecord* hba, const CLUImage* image) {
     runCounters.compatibleImageCount++;
     printDbg("\n[Update Needed]\n");
-    if (isDownloadDue(&hba->fwImage, image)) {
-        downloadDueImage(hba, image);
+    bool due = isDownloadDue(&hba->fwImage, image);
+    printDbg(due ? "true\n" : "false\n");
+    beginFirmware(hba);
+    reportImage(hba, image, image->decodedVersion);
+    if (due) {
+        downloadFirmware(hba, image);
     } else {
-        passWithoutNeed(hba, image);
+        hba->fwDownloadStatus = OUTCOME_NOT_NEEDED;
+        hba->eventKind = EVENT_NOT_REQUIRED;
+        reportNotNeeded(hba, image);
     }
+    endFirmware();
 }
 
 void processHbaWithFwMatrix(HbaRecord* hba) {
@@ -185,7 +150,7 @@ void processHbaWithFwMatrix(HbaRecord* hba) {
     char bcFile[MATRIX_TOKEN_SIZE];
     printDbg("\n[Using FWMATRIX.TXT]\n");
     if (getFwMatrixMatch(hba, fwFile, bcFile) != 1) {
-        passWithoutEntry(hba);
+        skipWithoutEntry(hba);
         return;
     }
     if (!isDownloadRun()) {
@@ -199,7 +164,7 @@ void processHbaWithFwMatrix(HbaRecord* hba) {
     if (failure == nullptr) {
         decideByVersion(hba, &image);
     } else {
-        passWithoutImage(hba, failure, status);
+        failWithoutImage(hba, failure, status);
     }
-    reportEventOfPort(hba, fwFile);
+    sendPortEvent(hba, fwFile);
 }

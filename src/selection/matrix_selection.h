@@ -3,8 +3,8 @@
 
 #include "records/hba_record.h"
 
-// Decides, downloads what is due, and reports. The outcome lies in the record and the counters.
+// Decides, downloads the image that is due, and reports. The outcome is in the record and the counters.
 void processHbaWithFwMatrix(HbaRecord* hba);
 
-// Sets `reason` to the fixed text that says that the operation in force was not required.
+// Sets `reason` to the fixed text for a selected operation that is not required.
 void setNotRequiredReason(const char** reason);

@@ -139,20 +139,23 @@ TEST_F(Images, DirectoryBecomesASortedList) {
     }
 }
 
-TEST_F(Images, SortingKeepsTheOrderOfEqualImages) {
-    for (size_t count : {0, 1, 2, 3, 7, 64, 1000}) {
-        std::vector<CLUImage> images(count + 1);
+TEST_F(Images, InsertedImagesAreInDescendingOrderAndEqualOnesInOrderOfInsertion) {
+    for (size_t count : {0, 1, 2, 3, 64, 1000}) {
+        std::vector<CLUImage> images(count);
+        CLUImage* head = nullptr;
         for (size_t i = 0; i < count; i++) {
             images[i] = fileImage(static_cast<uint32_t>(64 + i * 7 % 3), std::to_string(i * 31 % 17) + ".0.0.0");
-            images[i].extType = static_cast<uint32_t>(i);  // the place in which it came
-            images[i].next = i + 1 == count ? nullptr : &images[i + 1];
+            images[i].extType = static_cast<uint32_t>(i);  // the number of its insertion
+            head = insertCLUImage(&images[i], head);
         }
         size_t found = 0;
-        for (const CLUImage* image = sortCLUImageList(count == 0 ? nullptr : images.data()); image != nullptr;
-             image = image->next, found++) {
-            int order = image->prev == nullptr ? 1 : isGreaterCNAVersion(image->prev, image);
-            EXPECT_TRUE(order == 1 || (order == 0 && image->prev->extType < image->extType))
-                << found << " of " << count;
+        const CLUImage* before = nullptr;
+        for (const CLUImage* image = head; image != nullptr; image = image->next, found++) {
+            EXPECT_EQ(image->prev, before) << found << " of " << count;
+            int order = before == nullptr ? IMAGE_ABOVE : isGreaterCNAVersion(before, image);
+            bool inOrder = order == IMAGE_ABOVE || (order == IMAGE_EQUAL && before->extType < image->extType);
+            EXPECT_TRUE(inOrder) << found << " of " << count;
+            before = image;
         }
         EXPECT_EQ(found, count);
     }

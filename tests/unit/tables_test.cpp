@@ -32,3 +32,21 @@ TEST(Tables, MatrixModelsAreOfKnownFamilies) {
     EXPECT_EQ(lookupFwMatrixModel("", shortCode), 1);
     EXPECT_STREQ(shortCode, "XX");
 }
+
+TEST(Tables, DevicesAreOfTheLineAndModelsThatTheirIdNames) {
+    const struct {
+        uint32_t deviceId;
+        int tambor, tamborT6, coral, coralPlus, coralPlusSSec;
+    } devices[] = {
+        {0xE200, 1, 0, 0, 0, 0}, {0xE208, 1, 0, 0, 0, 0}, {0xE300, 1, 1, 0, 0, 0}, {0xF400, 0, 0, 1, 0, 0},
+        {0xF500, 0, 0, 1, 1, 0}, {0xF600, 0, 0, 1, 1, 1}, {0xF700, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 0, 0},
+    };
+    for (const auto& device : devices) {
+        SCOPED_TRACE(testing::Message() << "device " << std::hex << device.deviceId);
+        EXPECT_EQ(isTamborDevice(device.deviceId), device.tambor);
+        EXPECT_EQ(isTamborT6Device(device.deviceId), device.tamborT6);
+        EXPECT_EQ(isCoralDevice(device.deviceId), device.coral);
+        EXPECT_EQ(isCoralPlusDevice(device.deviceId), device.coralPlus);
+        EXPECT_EQ(isCoralPlusSSecDevice(device.deviceId), device.coralPlusSSec);
+    }
+}
