@@ -4,6 +4,9 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+tools/check-layers.py --self-check
+tools/check-layers.py
+
 # The Windows side needs headers that only its own compiler has; GCC's warnings, which are errors, read it.
 mapfile -t sources < <(git ls-files 'src/*.cpp' 'simulator/*.cpp' 'fleet/*.cpp' ':!src/platform/windows/*')
 
