@@ -1,0 +1,33 @@
+// Making elements. Text from reports only ever becomes a text node.
+
+const find = id => document.getElementById(id);
+
+// `attributes` holds names and values that this script chose. An attribute with a value of false is left out.
+function make(tag, attributes = {}, ...children) {
+  const element = document.createElement(tag);
+  for (const [name, value] of Object.entries(attributes)) {
+    if (value !== false) {
+      element.setAttribute(name, value);
+    }
+  }
+  element.append(...children);
+  return element;
+}
+
+// A text of a report: its direction stays inside.
+const foreign = text => make("bdi", {}, text);
+
+function button(attributes, action, ...children) {
+  const element = make("button", { type: "button", ...attributes }, ...children);
+  element.addEventListener("click", action);
+  return element;
+}
+
+const stateWord = name => make("span", { class: `word ${name}` }, wordOf(name));
+
+// Sets a text only if it is another one: a live region would read it again.
+function setText(element, text) {
+  if (element.textContent !== text) {
+    element.textContent = text;
+  }
+}

@@ -1,0 +1,84 @@
+// Which servers and ports are shown, and in which order.
+
+// What the reader asked for. The address holds the same.
+const view = {
+  query: "",
+  states: new Set(),      // of servers
+  portStates: new Set(),
+  only: {},               // exact values of a line: reason, model, before, after
+  sort: "state",
+  descending: false,
+  open: new Set(),        // names of servers
+};
+
+const ONLY_WORDS = { reason: "Reason", model: "Model", before: "Before", after: onlyPreviews ? "Planned" : "Now" };
+
+// The version of a line in the table of versions: unlike an empty one, an unknown one is null.
+const versionText = version => version === null ? "not known" : version === "" ? "none" : version;
+const ONLY_VALUES = {
+  reason: (line, server) => FAILURES.has(line.state) ? line.reason || server.reason : null,
+  model: line => line.model,
+  before: line => line.before === undefined ? null : versionText(line.before),
+  after: line => line.after === undefined ? null : versionText(line.after),
+};
+
+// Words, and phrases in quotation marks. A quotation mark without its second one reaches to the end.
+function wordsOf(query) {
+  return Array.from(query.toLowerCase().matchAll(/"([^"]*)"?|([^\s"]+)/g), ([, phrase, word]) => phrase ?? word)
+    .filter(word => word.trim());
+}
+
+const isFiltered = () => Boolean(view.query.trim() || view.states.size || view.portStates.size ||
+  Object.keys(view.only).length);
+
+// The lines of one server that match. Words of the server's own need not be in each line.
+function linesFound(server, words) {
+  if (view.states.size && !view.states.has(server.state)) {
+    return [];
+  }
+  const missing = words.filter(word => !textOfServer(server).includes(word));
+  return server.lines.filter(line =>
+    (!view.portStates.size || (line !== server && view.portStates.has(line.state))) &&
+    Object.entries(view.only).every(([key, value]) => ONLY_VALUES[key](line, server) === value) &&
+    (!missing.length || (line !== server && missing.every(word => textOfPort(line).includes(word)))));
+}
+
+// Columns that can be sorted by. A key of null comes last in both directions.
+const COLUMNS = [
+  { key: "name", word: "Server", of: server => server.name },
+  { key: "state", word: "State", of: server => server.rank },
+  { key: "reason", word: "Reason", of: server => server.reason || null },
+  { key: "ports", word: "Ports", of: server => server.ports.length },
+  { key: "models", word: "Models", of: server => server.models || null },
+  { key: "code", word: "Code", of: server => server.code },
+  { key: "time", word: "Report", of: server => server.time },
+];
+
+const inNameOrder = [...fleet.servers].sort((a, b) => byName.compare(a.name, b.name));
+inNameOrder.forEach((server, place) => { server.place = place; });
+
+// All servers in one order; the orders are kept, since a filter changes none.
+const orders = new Map();
+
+function serversInOrder() {
+  const key = (view.descending ? "-" : "") + view.sort;
+  if (!orders.has(key)) {
+    const { of } = COLUMNS.find(column => column.key === view.sort);
+    const sign = view.descending ? -1 : 1;
+    const compare = (a, b) => typeof a === "number" ? a - b : byName.compare(a, b);
+    orders.set(key, inNameOrder.map(server => ({ server, value: view.sort === "name" ? server.place : of(server) }))
+      .sort((a, b) => (a.value === null) - (b.value === null) ||
+        (a.value === null ? 0 : sign * compare(a.value, b.value)))
+      .map(({ server }) => server));
+  }
+  return orders.get(key);
+}
+
+// The servers to show in their order. Each one's `found` holds its lines that match.
+function serversShown() {
+  const words = wordsOf(view.query);
+  return serversInOrder().filter(server => {
+    server.found = linesFound(server, words);
+    return server.found.length > 0;
+  });
+}

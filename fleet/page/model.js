@@ -1,0 +1,73 @@
+// The fleet as the program wrote it, and what follows from it. Nothing here touches the page.
+
+const fleet = JSON.parse(document.getElementById("fleet").textContent);
+const byName = new Intl.Collator("en", { numeric: true });
+const DAY = 24 * 60 * 60;
+
+fleet.states.forEach((state, rank) => { state.rank = rank; });
+const stateNamed = new Map(fleet.states.map(state => [state.name, state]));
+const wordOf = name => stateNamed.get(name).word;
+
+const FAILURES = new Set(["failed", "not-installed", "no-report"]);
+const ATTENTION = new Set([...FAILURES, "waiting", "not-verified"]);
+
+// What the port runs when all is done, or would run; null if nobody can tell.
+function versionAfter(port) {
+  if (port.now) {
+    return port.now;
+  }
+  switch (port.state) {
+    case "would-update": return port.image;
+    case "skipped": case "current": case "listed": return port.before;
+    default: return null;
+  }
+}
+
+function joined(...texts) {
+  return texts.filter(text => text !== null && text !== "").join("\n").toLowerCase();
+}
+
+// A line is a port, or a server without ports: what is counted, found, and one row of the CSV file.
+for (const server of fleet.servers) {
+  server.rank = stateNamed.get(server.state).rank;
+  server.models = [...new Set(server.ports.map(port => port.model))].sort(byName.compare).join(", ");
+  for (const port of server.ports) {
+    port.rank = stateNamed.get(port.state).rank;
+    port.after = versionAfter(port);
+  }
+  server.lines = server.ports.length ? server.ports : [server];
+}
+
+// A fleet can hold previews and real runs. Servers without ports are neither.
+const onlyPreviews = fleet.preview && fleet.servers.every(server => server.preview || !server.ports.length);
+const portCount = fleet.servers.reduce((sum, server) => sum + server.ports.length, 0);
+const times = fleet.servers.map(server => server.time).filter(time => time !== null);
+const oldest = times.reduce((a, b) => Math.min(a, b), Infinity);
+const newest = times.reduce((a, b) => Math.max(a, b), -Infinity);
+
+// Whole days by which a report is older than the newest one; 0 for less than a day.
+function daysBehind(server) {
+  return server.time === null ? 0 : Math.floor((newest - server.time) / DAY);
+}
+
+// What a search looks in. Made when it is first needed.
+function textOfServer(server) {
+  return server.text ??= joined(server.name, wordOf(server.state), server.reason,
+    server.code === null ? "" : `code ${server.code}`, server.reboot ? "reboot needed" : "");
+}
+
+function textOfPort(port) {
+  return port.text ??= joined(port.wwn, wordOf(port.state), port.model, port.pci, port.before, port.image, port.file,
+    port.now, port.reason, port.message, port.status === null ? "" : `status ${port.status}`);
+}
+
+const number = value => value.toLocaleString("en");
+const counted = (value, word) => `${number(value)} ${word}${value === 1 ? "" : "s"}`;
+
+// Local time, as files and logs show it.
+function timeText(seconds) {
+  const date = new Date(seconds * 1000);
+  const two = value => String(value).padStart(2, "0");
+  return `${date.getFullYear()}-${two(date.getMonth() + 1)}-${two(date.getDate())} ` +
+    `${two(date.getHours())}:${two(date.getMinutes())}`;
+}
