@@ -85,6 +85,13 @@ class Guide(MachineTest):
             with self.subTest(chapter=title):
                 self.assertTrue(chapter == printed, "\n" + "\n".join(difference))
 
+    def test_its_links_lead_to_a_chapter_or_a_file(self):
+        text = GUIDE.read_text()
+        anchors = {re.sub("[^a-z -]", "", title.lower()).replace(" ", "-") for title in re.findall("^##+ (.*)", text, re.M)}
+        links = re.findall(r"\]\((.*?)\)", text)
+        lost = [link for link in links if link[1:] not in anchors and not (GUIDE.parent / link).exists()]
+        self.assertEqual(lost, [])
+
     def test_its_tables_say_what_the_sources_say(self):
         messages = re.sub(r'"\n *"', "", SOURCES.split("DownloadStatusMessages[OUTCOME_COUNT] = {")[1].split("};")[0])
         rows = [f"| {number} | {message} |" for number, message in enumerate(re.findall('"(.*)",', messages))]
