@@ -13,13 +13,12 @@ const view = {
 
 const ONLY_WORDS = { reason: "Reason", model: "Model", before: "Before", after: onlyPreviews ? "Planned" : "Now" };
 
-// The version of a line in the table of versions: unlike an empty one, an unknown one is null.
-const versionText = version => version === null ? "not known" : version === "" ? "none" : version;
-const ONLY_VALUES = {
-  reason: (line, server) => FAILURES.has(line.state) ? line.reason || server.reason : null,
-  model: line => line.model,
-  before: line => line.before === undefined ? null : versionText(line.before),
-  after: line => line.after === undefined ? null : versionText(line.after),
+const ONLY_MATCHES = {
+  reason: (line, server, reason) => server.failures.has(reason) &&
+    (!server.failures.get(reason).length || server.failures.get(reason).includes(line)),
+  model: (line, _, model) => line.model === model,
+  before: (line, server, version) => line !== server && (line.before || UNKNOWN) === version,
+  after: (line, _, version) => line.after === version,
 };
 
 // Words, and phrases in quotation marks. A quotation mark without its second one reaches to the end.
@@ -39,7 +38,7 @@ function linesFound(server, words) {
   const missing = words.filter(word => !textOfServer(server).includes(word));
   return server.lines.filter(line =>
     (!view.portStates.size || (line !== server && view.portStates.has(line.state))) &&
-    Object.entries(view.only).every(([key, value]) => ONLY_VALUES[key](line, server) === value) &&
+    Object.entries(view.only).every(([key, value]) => ONLY_MATCHES[key](line, server, value)) &&
     (!missing.length || (line !== server && missing.every(word => textOfPort(line).includes(word)))));
 }
 

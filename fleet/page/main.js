@@ -7,7 +7,7 @@ function drawFilters() {
       delete view.only[key];
       changed(true);
       find("search").focus();
-    }, label, foreign(value || "no reason"), make("span", { "aria-hidden": "true" }, " \u00d7"));
+    }, label, foreign(value || "no reason given"), make("span", { "aria-hidden": "true" }, " \u00d7"));
     chip.setAttribute("aria-label", `Remove the filter ${label}${value}`);
     return chip;
   }));

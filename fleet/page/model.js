@@ -11,20 +11,25 @@ const wordOf = name => stateNamed.get(name).word;
 const FAILURES = new Set(["failed", "not-installed", "no-report"]);
 const ATTENTION = new Set([...FAILURES, "waiting", "not-verified"]);
 
-// What the port runs when all is done, or would run; null if nobody can tell.
+const UNKNOWN = "not known";  // as a version
+
+// What the port runs when all is done, or would run.
 function versionAfter(port) {
-  if (port.now) {
-    return port.now;
-  }
-  switch (port.state) {
-    case "would-update": return port.image;
-    case "skipped": case "current": case "listed": return port.before;
-    default: return null;
-  }
+  const version = port.state === "would-update" ? port.image : ["skipped", "current"].includes(port.state) ? port.before : "";
+  return port.now || version || UNKNOWN;
 }
 
 function joined(...texts) {
   return texts.filter(text => text !== null && text !== "").join("\n").toLowerCase();
+}
+
+// The failing ports of a server by reason. The reason for a whole server, such as its return code, has no ports.
+function failuresOf(server) {
+  const failures = new Map(FAILURES.has(server.state) ? server.reasons.map(reason => [reason, []]) : []);
+  for (const port of server.ports.filter(({ state }) => FAILURES.has(state))) {
+    failures.set(port.reason, [...failures.get(port.reason) ?? [], port]);
+  }
+  return failures;
 }
 
 // A line is a port, or a server without ports: what is counted, found, and one row of the CSV file.
@@ -36,6 +41,8 @@ for (const server of fleet.servers) {
     port.after = versionAfter(port);
   }
   server.lines = server.ports.length ? server.ports : [server];
+  server.reason = server.reasons.join("; ");
+  server.failures = failuresOf(server);
 }
 
 // A fleet can hold previews and real runs. Servers without ports are neither.

@@ -110,25 +110,23 @@ function drawPanel(id, headings, rows) {
 function drawReasons() {
   const reasons = new Map();
   for (const server of fleet.servers) {
-    for (const line of server.lines) {
-      const reason = ONLY_VALUES.reason(line, server);
-      if (reason !== null) {
-        const row = reasons.get(reason) ?? reasons.set(reason, { servers: new Set(), ports: 0 }).get(reason);
-        row.servers.add(server);
-        row.ports += line !== server;
-      }
+    for (const [reason, ports] of server.failures) {
+      const row = reasons.get(reason) ?? reasons.set(reason, { servers: 0, ports: 0 }).get(reason);
+      row.servers += 1;
+      row.ports += ports.length;
     }
   }
-  const rows = [...reasons].sort(([, a], [, b]) => b.servers.size - a.servers.size || b.ports - a.ports)
+  const rows = [...reasons].sort(([, a], [, b]) => b.servers - a.servers || b.ports - a.ports)
     .map(([reason, { servers, ports }]) => make("tr", {},
-      make("th", { scope: "row" }, button({}, () => only({ reason }), foreign(reason || "no reason"))),
-      make("td", {}, number(servers.size)), make("td", {}, number(ports))));
+      make("th", { scope: "row" }, button({}, () => only({ reason }), foreign(reason || "no reason given"))),
+      make("td", {}, number(servers)), make("td", {}, number(ports))));
   if (rows.length) {
     drawPanel("reasons", ["Reason", "Servers", "Ports"], rows);
   }
 }
 
-function drawVersions() {
+// How many ports of each model run, or ran, each version.
+function versionCounts() {
   const models = new Map();
   const count = (model, version, side) => {
     const versions = models.get(model) ?? models.set(model, new Map()).get(model);
@@ -136,18 +134,26 @@ function drawVersions() {
     row[side] += 1;
   };
   for (const port of allPorts) {
-    count(port.model, versionText(port.before), "before");
-    count(port.model, versionText(port.after), "after");
+    count(port.model, port.before || UNKNOWN, "before");
+    count(port.model, port.after, "after");
   }
+  return models;
+}
+
+// Queries alone know no version before.
+function drawVersions() {
+  const sides = allPorts.some(port => port.before) ? ["before", "after"] : ["after"];
+  const ordered = map => [...map].sort(([a], [b]) => byName.compare(a, b));
   const cell = (model, version, side, value) => make("td", {}, value ?
     button({ "aria-label": `${model} ${version} ${ONLY_WORDS[side]}: ${counted(value, "port")}` },
       () => only({ model, [side]: version }), number(value)) : "0");
-  const ordered = map => [...map].sort(([a], [b]) => byName.compare(a, b));
-  const rows = ordered(models).flatMap(([model, versions]) => ordered(versions).map(([version, { before, after }], place) =>
-    make("tr", { class: place ? "same" : "first" }, make("th", { scope: "row" }, foreign(model)),
-      make("td", {}, foreign(version)), cell(model, version, "before", before), cell(model, version, "after", after))));
+  const rows = ordered(versionCounts()).flatMap(([model, versions]) => ordered(versions)
+    .filter(([, counts]) => sides.some(side => counts[side]))
+    .map(([version, counts], place) => make("tr", { class: place ? "same" : "first" },
+      make("th", { scope: "row" }, foreign(model)), make("td", {}, foreign(version)),
+      ...sides.map(side => cell(model, version, side, counts[side])))));
   if (rows.length) {
-    drawPanel("versions", ["Model", "Firmware", ONLY_WORDS.before, ONLY_WORDS.after], rows);
+    drawPanel("versions", ["Model", "Firmware", ...sides.map(side => ONLY_WORDS[side])], rows);
   }
 }
 
