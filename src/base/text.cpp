@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
-int formatText(char* out, size_t size, const char* format, ...) {
+bool formatText(char* out, size_t size, const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
     int length = vsnprintf(out, size, format, arguments);
@@ -74,7 +74,7 @@ void stripChar(char* text, char c) {
     *kept = '\0';
 }
 
-void cutBehindLastBackslash(char* text) {
+void cutAfterLastBackslash(char* text) {
     char* lastBackslash = strrchr(text, '\\');
     *(lastBackslash == nullptr ? text : lastBackslash + 1) = '\0';
 }
@@ -85,26 +85,26 @@ static bool isDigitOf(char c, int base) {
     return decimal || (base == 16 && hexadecimal);
 }
 
-int readUnsigned(const char* text, int base, uint32_t* value) {
+bool readUnsigned(const char* text, int base, uint32_t* value) {
     text += strspn(text, " \t\n\v\f\r");
     bool negative = *text == '-';
     if (*text == '-' || *text == '+') {
         text++;
     }
     if (!isDigitOf(*text, base)) {
-        return 0;
+        return false;
     }
-    // The sign is off, and a digit stands first: so a 64-bit reading cannot meet a second sign or blanks.
+    // The sign is skipped and a digit follows, so strtoull finds neither a second sign nor blanks.
     unsigned long long wide = strtoull(text, nullptr, base);
     if (wide > UINT32_MAX) {
         *value = UINT32_MAX;
     } else {
         *value = static_cast<uint32_t>(negative ? 0 - wide : wide);
     }
-    return 1;
+    return true;
 }
 
-uint32_t unsignedOf(const char* text, int base) {
+uint32_t parseUnsigned(const char* text, int base) {
     uint32_t value = 0;
     readUnsigned(text, base, &value);
     return value;

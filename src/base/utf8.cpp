@@ -1,7 +1,7 @@
 #include "base/utf8.h"
 
-// One row for each form of a sequence: the range of the first byte, that of the second, and the length. Every further
-// byte is 80 to BF. The narrow second ranges keep out overlong forms, surrogates and what is above U+10FFFF.
+// One row for each form of a sequence: the ranges of its first and second byte, and its length. Every further byte is 80
+// to BF. The narrow second ranges exclude overlong forms, surrogates and characters above U+10FFFF.
 struct Utf8Form {
     unsigned char firstLow, firstHigh;
     unsigned char secondLow, secondHigh;

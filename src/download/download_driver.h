@@ -8,8 +8,8 @@
 
 inline constexpr size_t DOWNLOAD_COMMAND_SIZE = 508;
 
-// Downloads the image for the port's board, or reports what an earlier download for the board brought. The port's
-// outcome, its row, the counters and the report are written. Returns 0 when the port counts as done, 1 when it failed.
+// Downloads the image for the port's board, or reports the result of an earlier download for the board. Writes the
+// port's outcome, its row, the counters and the report. Returns 0 when the port counts as done, 1 when it failed.
 int executeFwDownload(HbaRecord* hba, const CLUImage* image);
 
 // The name by which selection starts a download. Returns what executeFwDownload returns.
@@ -18,5 +18,5 @@ int downloadFirmware(HbaRecord* hba, const CLUImage* image);
 // Writes the utility's arguments for a download to `out`, which has DOWNLOAD_COMMAND_SIZE bytes.
 void makeDownloadCommand(const HbaRecord* hba, const char* filename, char* out);
 
-// Gives the port's result to every port of its board.
+// Copies the port's result to every port of its board.
 void updateCNAdownloadStatus(const HbaRecord* hba);

@@ -16,7 +16,7 @@
 static constexpr size_t DIRECTORY_LIMIT = 220;  // characters; a path that reaches it is refused
 static constexpr size_t IMAGE_PATH_SIZE = DIRECTORY_LIMIT - 1 + IMAGE_FILENAME_SIZE;
 
-// Says what is wrong with a directory path, null when nothing is.
+// The reason why a directory path is refused, null if it is not.
 static const char* directoryFault(const char* directory) {
     size_t length = strlen(directory);
     if (length == 0) {

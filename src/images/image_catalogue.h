@@ -3,7 +3,7 @@
 
 #include "records/clu_image.h"
 
-// Results of makeFileNameList beside its list.
+// The status that makeFileNameList sets.
 enum CatalogueStatus { CATALOGUE_READ = 0, CATALOGUE_EMPTY = 1, CATALOGUE_NO_DIRECTORY = 6 };
 
 // Reads the header of each firmware file of `directory`, which must end in a backslash and have fewer than 220
@@ -12,7 +12,7 @@ enum CatalogueStatus { CATALOGUE_READ = 0, CATALOGUE_EMPTY = 1, CATALOGUE_NO_DIR
 CLUImage* makeFileNameList(const char* directory, uint32_t* status, uint32_t imageClass);
 
 // Fills the zeroed `image` from one file of `directory`, for which the same limits hold. Returns 0, 1, or the GrpStatus
-// of a file that is no image.
+// of a file that is not an image.
 int initFileImage(CLUImage* image, const char* directory, const char* fileName, uint32_t imageClass);
 
 // Under /auto with an operation: fills gFirmwareImageList from firmwarePath. Returns 0, or RETURN_NO_FIRMWARE_DIRECTORY

@@ -38,10 +38,8 @@ bool isDownloadDue(const CLUImage* current, const CLUImage* candidate) {
 
 int isB1Adapter(const HbaRecord* hba) {
     const AdapterFamily* family = familyOfDevice(hba->deviceId);
-    return family != nullptr && family->newerAsic.revision != 0 &&
-                   hba->fwImage.asicRevisionId >= family->newerAsic.revision
-               ? 1
-               : 0;
+    bool hasNewerAsic = family != nullptr && family->newerAsic.revision != 0;
+    return hasNewerAsic && hba->fwImage.asicRevisionId >= family->newerAsic.revision ? 1 : 0;
 }
 
 int isCompatibleImage(const HbaRecord* hba, const CLUImage* image) {

@@ -43,7 +43,7 @@ static void readTextKey(const char* block, const char* key, char* out, size_t si
 static uint32_t readNumberKey(const char* block, const char* key, int base) {
     char value[VALUE_SIZE];
     getAttribute(block, key, value, sizeof value, ':');
-    return unsignedOf(value, base);
+    return parseUnsigned(value, base);
 }
 
 static const char* activationText(uint32_t changeStatus, uint32_t csf) {

@@ -33,8 +33,8 @@ static const RmIniToken rmIniTokens[] = {
 static constexpr char FILL_BYTE_TOKEN[] = "FILLBYTE";
 static constexpr char WWPN_TOKEN[] = "REMOTE_HBA_WWPN";
 
-int isDiagnosticLogOn() {
-    return fileExists(LOG_NAME, binPath) == 0 ? 1 : 0;
+bool isDiagnosticLogOn() {
+    return fileExists(LOG_NAME, binPath) == 0;
 }
 
 static FILE* openBesideProgram(const char* name, OpenMode mode) {
@@ -48,19 +48,19 @@ int openRmIni() {
     return rmIniFile != nullptr ? 1 : 0;
 }
 
-int readWwpn(const char* text, uint8_t wwpn[8]) {
+bool readWwpn(const char* text, uint8_t wwpn[8]) {
     if (strlen(text) != WWPN_TEXT_LENGTH) {
-        return 0;
+        return false;
     }
     for (size_t i = 0; i < 8; i++) {
         char pair[3];
         copyPiece(pair, sizeof pair, text + 3 * i, 2);
-        wwpn[i] = static_cast<uint8_t>(unsignedOf(pair, 16));
+        wwpn[i] = static_cast<uint8_t>(parseUnsigned(pair, 16));
     }
-    return 1;
+    return true;
 }
 
-// Sets what `token` names. `number` is the line's number, or that of an earlier line where this one holds none.
+// Sets what `token` names. `number` is the value on this line, or the last value read if it has none.
 static void storeSetting(const char* token, const char* value, uint32_t number) {
     for (const RmIniToken& known : rmIniTokens) {
         if (strcmp(token, known.name) == 0) {
@@ -71,7 +71,7 @@ static void storeSetting(const char* token, const char* value, uint32_t number) 
     if (strcmp(token, FILL_BYTE_TOKEN) == 0) {
         rmIniSettings.fillByte = static_cast<uint8_t>(number & 0xFF);
     } else if (strcmp(token, WWPN_TOKEN) == 0) {
-        uint8_t remoteHbaWwpn[8] = {};  // the setting is known, and read, but nothing asks for it
+        uint8_t remoteHbaWwpn[8] = {};  // a known setting that nothing uses
         readWwpn(value, remoteHbaWwpn);
     } else {
         printRaw("Unkonw Token Found");
@@ -129,7 +129,7 @@ void logPrintf(const char* format, ...) {
 
 void logLine(const char* text) {
     LocalTime now = {};
-    if (!isDiagnosticLogOn()) {  // spares a run without the log the look at the clock
+    if (!isDiagnosticLogOn()) {  // do not read the clock when the log is off
         return;
     }
     localTime(&now);

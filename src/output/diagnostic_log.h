@@ -1,11 +1,11 @@
-// The diagnostic log vlmdbg.log, on while a file of that name lies beside the program, and its settings file RM.INI.
+// The diagnostic log vlmdbg.log, on while a file of that name is beside the program, and its settings file RM.INI.
 #pragma once
 
 #include <cstdint>
 
 #include "base/text.h"
 
-// The numbers of RM.INI. parseRmIni sets them, run/cleanup clears them; nothing depends on them.
+// The numbers of RM.INI. parseRmIni sets them, initGlobals clears them; nothing depends on them.
 struct RmIniSettings {
     uint32_t dbgMode;
     uint32_t logMode;
@@ -22,8 +22,8 @@ struct RmIniSettings {
 
 extern RmIniSettings rmIniSettings;
 
-// Returns 1 when a file vlmdbg.log lies beside the program, else 0.
-int isDiagnosticLogOn();
+// True while a file vlmdbg.log is beside the program.
+bool isDiagnosticLogOn();
 
 // Opens RM.INI for parseRmIni. Returns 1 when it could be opened, else 0.
 int openRmIni();
@@ -32,12 +32,12 @@ int openRmIni();
 void parseRmIni();
 
 // Reads a world wide port name of eight pairs of hexadecimal digits, with one character of any kind between two pairs.
-// Returns 1, or 0 for a text of another length, which leaves `wwpn` as it was.
-int readWwpn(const char* text, uint8_t wwpn[8]);
+// Returns true, or false for a text of another length, which leaves `wwpn` as it was.
+bool readWwpn(const char* text, uint8_t wwpn[8]);
 
 // One write to the log, which is opened for it and closed again: nothing written is lost by a crash, and a log that
 // disappears during the run ends the logging.
 void logPrintf(const char* format, ...) PRINTF_LIKE(1, 2);
 
-// One line, with the time and the process number in front. `text` stands for itself.
+// One line, preceded by the time and the process number. `text` is printed as it is.
 void logLine(const char* text);

@@ -31,7 +31,7 @@ void printDbg(const char* format, ...) {
     va_start(arguments, format);
     vfprintf(dbgFile, format, arguments);
     va_end(arguments);
-    fflush(stdout);  // not the trace: what the user sees is to be out before a step that may hang
+    fflush(stdout);  // flushes the user's output, not the trace: it must be visible before a step that may hang
 }
 
 void printRaw(const char* format, ...) {

@@ -1,4 +1,4 @@
-// The output routes. They decide only where a text goes, and add nothing to it.
+// The output routes. They decide where a text goes and add nothing to it.
 #pragma once
 
 #include <cstdio>
@@ -6,14 +6,14 @@
 #include "base/text.h"
 #include "settings/return_codes.h"
 
-// The /log= file and dbg.log, null while not open. Opened by run/switches, closed by run/cleanup.
+// The /log= file and dbg.log, null while not open. Opened by the switches, closed by cleanup.
 extern FILE* logFile;
 extern FILE* dbgFile;
 
-// All that the user is to see: to standard output unless runOptions.silent, and to logFile when open.
+// The user's output: to standard output unless runOptions.silent, and to logFile if open.
 void printOut(const char* format, ...) PRINTF_LIKE(1, 2);
 
-// Traces: to dbgFile when open, else nowhere.
+// Traces: to dbgFile if open, else nowhere.
 void printDbg(const char* format, ...) PRINTF_LIKE(1, 2);
 
 // To standard output and nowhere else, silent or not.

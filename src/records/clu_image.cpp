@@ -13,7 +13,7 @@ CLUImage* gFirmwareImageList = nullptr;
 
 static constexpr uint32_t FC_IMAGE_TYPE = 1;  // named in dumps only; no image gets it
 
-// Reads digits up to the first other character; what does not fit gives the highest number.
+// Reads digits up to the first other character; a number that does not fit becomes the highest one.
 static uint32_t readDigits(const char* text, size_t length) {
     uint64_t value = 0;
     for (size_t i = 0; i < length && text[i] >= '0' && text[i] <= '9' && value <= UINT32_MAX; i++) {

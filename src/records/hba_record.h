@@ -11,7 +11,7 @@ struct HbaRecord {
     uint32_t eventKind;       // an EventKind: which event report ends the port's selection
     const char* eventReason;  // for that report; a fixed text, not owned
     uint32_t bootEnabled;
-    uint32_t adapterNumber;  // the n= of a download; says nothing about the place in the list
+    uint32_t adapterNumber;  // the n= of a download; not the position in the list
     char model[80];
     char fwMatrixType[32];  // the model as fwmatrix.txt names it
     char fwVersion[32];

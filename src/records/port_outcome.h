@@ -6,8 +6,8 @@
 
 #include "records/hba_record.h"
 
-// HbaRecord::fwDownloadStatus: the index of the message. The numbers stand in the XML report and in the events; those
-// that nothing sets hold the places of the numbers behind them.
+// HbaRecord::fwDownloadStatus: the index of the message. The XML report and the events have the numbers, too; unused
+// numbers keep the later ones in place.
 enum PortOutcome : uint8_t {
     OUTCOME_SUCCEEDED = 0,
     OUTCOME_REBOOT_REQUIRED = 1,
@@ -56,5 +56,5 @@ enum BoardResult : uint32_t {
     BOARD_ACTIVATED = 5,  // a reboot is optional
 };
 
-// The sentence on the activation of the firmware that an outcome brings with it, null for most.
+// The sentence on the activation of new firmware that belongs to an outcome, null for most.
 const char* activationSentence(uint8_t fwDownloadStatus);

@@ -1,5 +1,4 @@
-// What a run counts while it lists and walks the ports; run/cleanup clears it, report/summaries turns it into the return
-// code.
+// The counters of a run. initGlobals clears them; report/summaries turns them into the return code.
 #pragma once
 
 #include <cstdint>

@@ -144,9 +144,9 @@ int createTarnliftRegKey(const char* programPath) {
         copyText(directory, sizeof directory, programPath);
     }
     printDbg("Full path to exe = %s\n", directory);
-    cutBehindLastBackslash(directory);
+    cutAfterLastBackslash(directory);
     printDbg("Dir path to exe = %s\n", directory);
-    // The directory keeps its backslash, so two stand in the value; the system takes them for one.
+    // The directory keeps its backslash, so the value has two; Windows treats them as one.
     formatText(messageFile, sizeof messageFile, "%s\\%s", directory, MESSAGE_FILE_NAME);
     writeSourceKey(messageFile);
     printDbg("Created \"%s\" key in Registry.\n", SOURCE_NAME);

@@ -14,11 +14,11 @@ enum EventKind : uint32_t {
     EVENT_NOT_REQUIRED = 3,
 };
 
-// What the reporters take of the port's secure firmware state.
+// The byte of the port's secure firmware state that events carry.
 uint8_t sfjByteOf(const HbaRecord* hba);
 
 // The reporters. `version` is what the port runs now, `status` a PortOutcome. A `sfjByte` of 0 adds the note that
-// secure firmware is disabled. Of `fileName` only what stands behind the last backslash is reported.
+// secure firmware is disabled. `fileName` is reported without its directory.
 void reportNoImageEvent(const char* portWwn, const char* version, const char* reason, uint32_t status, uint8_t sfjByte);
 void reportImageFileEvent(const char* portWwn, const char* version, const char* fileName, const char* reason,
                           uint32_t status, uint8_t sfjByte);
@@ -27,6 +27,6 @@ void reportNoCompatibleImageEvent(const char* portWwn, const char* version, cons
 void reportNotRequiredEvent(const char* portWwn, const char* fileName, const char* version, const char* reason,
                             uint32_t status, uint8_t sfjByte);
 
-// Registers the event source in the registry, with the directory of `programPath` as the place of its messages. What
-// fails is traced, and the next step tried all the same. Returns 0.
+// Registers the event source in the registry, with the directory of `programPath` as the place of its messages. A
+// step that fails is traced, and the next one is tried. Returns 0.
 int createTarnliftRegKey(const char* programPath);

@@ -1,6 +1,5 @@
 // The report of a run, in the words of the run: the only place that chooses between the rows of the console and the XML
-// document. Another output form is another branch in each operation here. What /v adds is the same in all forms, so it
-// is chosen by the callers, or by the operations below that say so.
+// document. Another output form is another branch in each operation here. The texts of /v are the same in every form.
 #pragma once
 
 #include "records/clu_image.h"
@@ -34,7 +33,7 @@ void reportImage(const HbaRecord* hba, const CLUImage* image, const char* shownN
 // No image of the firmware directory fits. `currentVersion` is the port's version in the document.
 void reportNoCandidate(const HbaRecord* hba, const char* currentVersion);
 
-// The image, which was reported before, is not due. Under /v it says so.
+// The image, which was reported before, is not due. Adds the sentence of /v.
 void reportNotNeeded(const HbaRecord* hba, const CLUImage* image);
 
 // How the download of the image ended, by the outcome in the record; `succeeded` includes a preview.

@@ -1,4 +1,4 @@
-// The rows of a port on the console: what the port is, and how its download ended.
+// The rows of a port on the console: its facts, and how its download ended.
 #pragma once
 
 #include "records/hba_record.h"

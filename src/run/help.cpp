@@ -33,7 +33,7 @@ static const char* const usageEntries[] = {
 };
 
 // The description of the switches, around the one line that depends on the run. Each line begins with its line feed.
-static constexpr char descriptionToRamDrive[] =
+static constexpr char descriptionBeforeRamDrive[] =
     "\n                "
     "\n    /auto       Auto - Instructs Tarnlift to ignore the fwmatrix.txt file,"
     "\n                automatically discover HBAs, and to perform additional"
@@ -102,7 +102,7 @@ static constexpr char descriptionToRamDrive[] =
     "\n                "
     "\n    /ramdrive=<drive letter>[:] - Specify drive for creating temporary and log";
 
-static constexpr char descriptionBehindRamDrive[] =
+static constexpr char descriptionAfterRamDrive[] =
     "\n            "
     "\n    /rewrite    Rewrite - For each installed HBA, the current firmware version"
     "\n                is compared to a version defined in fwmatrix.txt."
@@ -158,12 +158,12 @@ static void printUsage() {
 }
 
 void printHelp() {
-    if (runOptions.ramDriveLetter == '\0') {  // the parse stopped before it took the default
+    if (runOptions.ramDriveLetter == '\0') {  // the parse stopped before it set the default
         setDefaultRamDrive();
     }
     printOut("\n%s v%s - Velmar Firmware Update Utility\n", offlineAppName, versionString);
     printUsage();
-    printOut("%s", descriptionToRamDrive);
+    printOut("%s", descriptionBeforeRamDrive);
     printOut("\n                files. Default is drive %c:.", runOptions.ramDriveLetter);
-    printOut("%s", descriptionBehindRamDrive);
+    printOut("%s", descriptionAfterRamDrive);
 }

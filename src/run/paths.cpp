@@ -29,7 +29,7 @@ int setupApplicationPaths(char** argv) {
         return 1;
     }
     stripChar(binPath, '"');
-    cutBehindLastBackslash(binPath);
+    cutAfterLastBackslash(binPath);
     return 0;
 }
 

@@ -7,7 +7,7 @@ void printVersion();
 // Sets binPath. Returns 0, or 1 when the program's directory cannot be found or argv[0] is too long.
 int setupApplicationPaths(char** argv);
 
-// Set firmwarePath, fwMatrixPath and tempFilePath by the switches, and trace them. They cannot fail: a path that was
+// Set firmwarePath, fwMatrixPath and tempFilePath from the switches, and trace them. They cannot fail: a path that was
 // cut shows up later as a file that is not found.
 void setDirectoryPaths();
 void setTempFile();

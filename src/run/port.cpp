@@ -38,7 +38,7 @@ static bool hasFirmwareVersion(const HbaRecord* hba) {
     return strcmp(hba->fwVersion, WORD_NOT_AVAILABLE) != 0 && strcmp(hba->fwVersion, WORD_NONE) != 0;
 }
 
-// A port without a firmware version is not selected and moves no counter.
+// A port without a firmware version is skipped: no selection, no counter.
 static void skipWithoutVersion(HbaRecord* hba) {
     printDbg("firmware version N/A!!!\n");
     hba->fwDownloadStatus = OUTCOME_UNKNOWN_FIRMWARE_VERSION;

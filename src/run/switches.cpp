@@ -9,14 +9,14 @@
 
 static constexpr char DEBUG_FILE_NAME[] = "dbg.log";
 
-enum SwitchResult { SWITCH_TAKEN, SWITCH_UNKNOWN, SWITCH_REFUSED, SWITCH_LOG_NOT_OPEN };
+enum SwitchResult { SWITCH_ACCEPTED, SWITCH_UNKNOWN, SWITCH_REFUSED, SWITCH_LOG_NOT_OPEN };
 
 // Handlers get the whole argument, "/" included, and may cut it.
 using SwitchHandler = SwitchResult (*)(char* argument);
 
 enum SwitchMatch {
-    WHOLE_WORD,     // the word is all that stands behind the "/"
-    BEGINNING,      // the text behind the "/" begins with it
+    WHOLE_WORD,     // the whole text after "/"
+    BEGINNING,      // the text after "/" starts with the word
     WORD_OR_VALUE,  // the word, alone or followed by "="
 };
 
@@ -24,24 +24,24 @@ struct SwitchRow {
     SwitchMatch match;
     const char* spellings[4];
     int RunOptions::*flag;  // set to 1 on a match
-    SwitchHandler handler;  // takes the value, null when there is none to take
+    SwitchHandler handler;  // reads the value; null for a switch without one
 };
 
-static SwitchResult takeImageVersion(char* argument);
-static SwitchResult takeRamDrive(char* argument);
-static SwitchResult takeLogFile(char* argument);
-static SwitchResult takeDebugFile(char* argument);
-static SwitchResult takeImageDir(char* argument);
-static SwitchResult takeMatrixDir(char* argument);
+static SwitchResult parseImageVersion(char* argument);
+static SwitchResult parseRamDrive(char* argument);
+static SwitchResult parseLogFile(char* argument);
+static SwitchResult parseDebugFile(char* argument);
+static SwitchResult parseImageDir(char* argument);
+static SwitchResult parseMatrixDir(char* argument);
 
-// Tried from top to bottom: the short beginnings at the end take what the words above them leave.
+// Tried from top to bottom: the short prefixes at the end match what no full word above matched, so keep them last.
 static const SwitchRow switchTable[] = {
     {WHOLE_WORD, {"auto", "a"}, &RunOptions::autoSelect, nullptr},
     {WHOLE_WORD, {"downgrade", "down", "d", "g"}, &RunOptions::downgrade, nullptr},
     {WHOLE_WORD, {"rewrite", "e"}, &RunOptions::rewrite, nullptr},
     {WHOLE_WORD, {"ff", "f"}, &RunOptions::forceFw, nullptr},
-    {BEGINNING, {"iv"}, nullptr, takeImageVersion},
-    {WORD_OR_VALUE, {"ramdrive"}, &RunOptions::ramDrive, takeRamDrive},
+    {BEGINNING, {"iv"}, nullptr, parseImageVersion},
+    {WORD_OR_VALUE, {"ramdrive"}, &RunOptions::ramDrive, parseRamDrive},
     {WHOLE_WORD, {"vpd"}, &RunOptions::vpd, nullptr},
     {WHOLE_WORD, {"preview", "p"}, &RunOptions::preview, nullptr},
     {WHOLE_WORD, {"update", "up", "u"}, &RunOptions::update, nullptr},
@@ -50,10 +50,10 @@ static const SwitchRow switchTable[] = {
     {WHOLE_WORD, {"s"}, &RunOptions::silent, nullptr},
     {WHOLE_WORD, {"xml"}, &RunOptions::xml, nullptr},
     {WHOLE_WORD, {"?", "help", "h"}, &RunOptions::help, nullptr},
-    {BEGINNING, {"l"}, nullptr, takeLogFile},
-    {WHOLE_WORD, {"xv"}, nullptr, takeDebugFile},
-    {BEGINNING, {"id"}, nullptr, takeImageDir},
-    {BEGINNING, {"f"}, nullptr, takeMatrixDir},
+    {BEGINNING, {"l"}, nullptr, parseLogFile},
+    {WHOLE_WORD, {"xv"}, nullptr, parseDebugFile},
+    {BEGINNING, {"id"}, nullptr, parseImageDir},
+    {BEGINNING, {"f"}, nullptr, parseMatrixDir},
 };
 
 static SwitchResult refuseMissingValue(const char* switchName) {
@@ -62,9 +62,8 @@ static SwitchResult refuseMissingValue(const char* switchName) {
     return SWITCH_REFUSED;
 }
 
-// The shared form of the switches /word=value: cuts the argument behind the word and copies the value, which ends at a
-// further "=", into `field`.
-static SwitchResult takeValue(char* argument, size_t wordLength, const char* switchName, char* field, size_t size) {
+// Parses /word=value: ends the argument after the word and copies the value up to the next "=" into `field`.
+static SwitchResult parseValue(char* argument, size_t wordLength, const char* switchName, char* field, size_t size) {
     size_t length = strcspn(argument, "=");
     const char* value = argument + length + strspn(argument + length, "=");
     argument[length] = '\0';
@@ -75,38 +74,38 @@ static SwitchResult takeValue(char* argument, size_t wordLength, const char* swi
         return refuseMissingValue(switchName);
     }
     copyPiece(field, size, value, strcspn(value, "="));
-    return SWITCH_TAKEN;
+    return SWITCH_ACCEPTED;
 }
 
-static SwitchResult takeImageVersion(char* argument) {
-    SwitchResult result = takeValue(argument, strlen("iv"), "image version", runOptions.imageVersionFile,
-                                    sizeof runOptions.imageVersionFile);
-    if (result == SWITCH_TAKEN) {
+static SwitchResult parseImageVersion(char* argument) {
+    SwitchResult result = parseValue(argument, strlen("iv"), "image version", runOptions.imageVersionFile,
+                                     sizeof runOptions.imageVersionFile);
+    if (result == SWITCH_ACCEPTED) {
         runOptions.imageVersion = 1;
     }
     return result;
 }
 
-static SwitchResult takeImageDir(char* argument) {
+static SwitchResult parseImageDir(char* argument) {
     runOptions.imageDir[0] = '\0';
-    return takeValue(argument, strlen("id"), "image directory", runOptions.imageDir, sizeof runOptions.imageDir);
+    return parseValue(argument, strlen("id"), "image directory", runOptions.imageDir, sizeof runOptions.imageDir);
 }
 
-static SwitchResult takeMatrixDir(char* argument) {
+static SwitchResult parseMatrixDir(char* argument) {
     runOptions.fwMatrixDir[0] = '\0';
-    return takeValue(argument, strlen("fmd"), "fwmatrix.txt directory", runOptions.fwMatrixDir,
-                     sizeof runOptions.fwMatrixDir);
+    return parseValue(argument, strlen("fmd"), "fwmatrix.txt directory", runOptions.fwMatrixDir,
+                      sizeof runOptions.fwMatrixDir);
 }
 
-static SwitchResult takeRamDrive(char* argument) {
+static SwitchResult parseRamDrive(char* argument) {
     const char* equals = strchr(argument, '=');
     if (equals != nullptr) {
         runOptions.ramDriveLetter = equals[1];
     }
-    return SWITCH_TAKEN;
+    return SWITCH_ACCEPTED;
 }
 
-static SwitchResult takeLogFile(char* argument) {
+static SwitchResult parseLogFile(char* argument) {
     if (logFile != nullptr) {
         printEndingError(RETURN_COMMAND_LINE, "cannot open multiple log files");
         return SWITCH_REFUSED;
@@ -121,15 +120,15 @@ static SwitchResult takeLogFile(char* argument) {
         printOut("\n%s: Error - unable to open logfile %s - Return Code=%d\n\n", appName, path, RETURN_COMMAND_LINE);
         return SWITCH_LOG_NOT_OPEN;
     }
-    return SWITCH_TAKEN;
+    return SWITCH_ACCEPTED;
 }
 
-static SwitchResult takeDebugFile(char* /*argument*/) {
+static SwitchResult parseDebugFile(char* /*argument*/) {
     if (!runOptions.dbgLog) {
         runOptions.dbgLog = 1;
         dbgFile = openFile(DEBUG_FILE_NAME, OPEN_WRITE);
     }
-    return SWITCH_TAKEN;
+    return SWITCH_ACCEPTED;
 }
 
 static bool matches(const SwitchRow& row, const char* word) {
@@ -137,15 +136,15 @@ static bool matches(const SwitchRow& row, const char* word) {
         if (spelling == nullptr || !beginsIgnoringCase(word, spelling)) {
             continue;
         }
-        char behind = word[strlen(spelling)];
-        if (row.match == BEGINNING || behind == '\0' || (row.match == WORD_OR_VALUE && behind == '=')) {
+        char next = word[strlen(spelling)];
+        if (row.match == BEGINNING || next == '\0' || (row.match == WORD_OR_VALUE && next == '=')) {
             return true;
         }
     }
     return false;
 }
 
-static SwitchResult takeSwitch(char* argument) {
+static SwitchResult parseSwitch(char* argument) {
     if (argument[0] != '/') {
         return SWITCH_UNKNOWN;
     }
@@ -156,12 +155,12 @@ static SwitchResult takeSwitch(char* argument) {
         if (row.flag != nullptr) {
             runOptions.*row.flag = 1;
         }
-        return row.handler == nullptr ? SWITCH_TAKEN : row.handler(argument);
+        return row.handler == nullptr ? SWITCH_ACCEPTED : row.handler(argument);
     }
     return SWITCH_UNKNOWN;
 }
 
-// What follows from all switches together. Returns the parse result.
+// Derives the settings that follow from all switches together. Returns the parse result.
 static int finishParsing(int argc, int result) {
     if (runOptions.ramDriveLetter == '\0') {
         setDefaultRamDrive();
@@ -185,11 +184,11 @@ static int finishParsing(int argc, int result) {
 int parseCommandLine(int argc, char** argv) {
     int result = 0;
     for (int i = 1; i < argc; i++) {
-        switch (takeSwitch(argv[i])) {
-        case SWITCH_TAKEN:
+        switch (parseSwitch(argv[i])) {
+        case SWITCH_ACCEPTED:
             break;
         case SWITCH_LOG_NOT_OPEN:
-            result = RETURN_COMMAND_LINE;  // stays to the end, but the other switches still count
+            result = RETURN_COMMAND_LINE;  // the result of the parse, but the other switches still count
             break;
         case SWITCH_UNKNOWN:
             printOut("\n%s: Error - Unknown switch = %s - Return Code=%d\n\n", appName, argv[i], RETURN_COMMAND_LINE);

@@ -22,7 +22,7 @@
 
 static constexpr size_t FAILURE_TEXT_SIZE = 256;
 static constexpr uint32_t STATUS_NO_IMAGE = 0xFFFA0000;
-static constexpr int IMAGE_NOT_FOUND = 20;  // is no GrpStatus
+static constexpr int IMAGE_NOT_FOUND = 20;  // not a GrpStatus
 
 // Why a port gets no image, in its record, its event and its message.
 struct ImageFailure {

@@ -1,4 +1,4 @@
-// The version, for the program and for its version resource alike: hence macros, which the resource compiler reads.
+// The program's version. Macros, because the resource compiler reads this file, too.
 #pragma once
 
 #define TARNLIFT_VERSION_MAJOR 14

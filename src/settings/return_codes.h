@@ -1,4 +1,4 @@
-// Every value that the process can return. A calling script tests these; codes 10 to 18 do not exist.
+// Every value that the process can return. Scripts test these; codes 10 to 18 do not exist.
 #pragma once
 
 enum ReturnCode {
@@ -12,5 +12,5 @@ enum ReturnCode {
     RETURN_NO_COMPATIBLE_FIRMWARE = 7,
     RETURN_NO_PRIVILEGES = 8,
     RETURN_OLD_SYSTEM = 9,
-    RETURN_IMAGE_VERSION = 19,  // the file of /iv is no firmware file, or its version cannot be read
+    RETURN_IMAGE_VERSION = 19,  // the file of /iv is not a firmware file, or its version cannot be read
 };

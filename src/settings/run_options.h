@@ -1,4 +1,4 @@
-// The one record of switch flags and values. Written by run/switches alone, read everywhere.
+// The one record of switch flags and values. Only run/switches writes it.
 #pragma once
 
 #include <cstdint>
@@ -6,9 +6,9 @@
 inline constexpr int DIRECTORY_SWITCH_SIZE = 220;
 inline constexpr int IMAGE_VERSION_FILE_SIZE = 255;
 
-// Flags are 0 or 1. A text longer than its field has been cut to the field.
+// Flags are 0 or 1. A text longer than its field is cut.
 struct RunOptions {
-    int autoSelect;  // /auto (a word of the language, hence the longer name)
+    int autoSelect;  // /auto (`auto` is a keyword)
     int dbgLog;      // /xv: dbg.log was asked for; see dbgFile for whether it opened
     int downgrade;
     int forceFw;
@@ -23,7 +23,7 @@ struct RunOptions {
     int silent;  // no standard output
     int xml;
     int vpd;                     // show the VPD model name
-    uint16_t downloadRequested;  // derived: this run is going to write firmware
+    uint16_t downloadRequested;  // derived: this run writes firmware
     char ramDriveLetter;         // as typed, unchecked; 0 when unset
     char imageDir[DIRECTORY_SWITCH_SIZE];
     char fwMatrixDir[DIRECTORY_SWITCH_SIZE];
@@ -32,7 +32,7 @@ struct RunOptions {
 
 extern RunOptions runOptions;
 
-// True when the run asks for the ports and nothing else.
+// True when the run only lists the ports.
 bool isQueryOnly();
 
 // True when update, downgrade, rewrite or forceFw is set.

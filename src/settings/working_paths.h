@@ -1,4 +1,4 @@
-// The places that a run works with. Set once near the start by run/paths, then only read.
+// The paths that a run works with. run/paths sets them once near the start.
 #pragma once
 
 inline constexpr int VERSION_STRING_SIZE = 32;
@@ -9,4 +9,4 @@ extern char versionString[VERSION_STRING_SIZE];
 extern char binPath[BIN_PATH_SIZE];           // the program's directory, with a trailing backslash
 extern char firmwarePath[WORKING_PATH_SIZE];  // the firmware files' directory, with a trailing backslash
 extern char fwMatrixPath[WORKING_PATH_SIZE];  // fwmatrix.txt
-extern char tempFilePath[WORKING_PATH_SIZE];  // takes the adapter utility's output
+extern char tempFilePath[WORKING_PATH_SIZE];  // receives the adapter utility's output

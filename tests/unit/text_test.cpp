@@ -22,7 +22,7 @@ TEST(Text, OnlyLettersHaveTwoCases) {
     upperCaseInPlace(text);
     stripChar(text, '-');
     EXPECT_STREQ(text, "AZ{`@");
-    cutBehindLastBackslash(text);
+    cutAfterLastBackslash(text);
     EXPECT_STREQ(text, "");
 }
 

@@ -36,7 +36,7 @@ uint32_t systemMajorVersion() {
     text[readText(file, text, sizeof text - 1)] = '\0';
     fclose(file);
     const char* number = text + strspn(text, " \t");
-    return *number >= '0' && *number <= '9' ? unsignedOf(number, 10) : 0;
+    return *number >= '0' && *number <= '9' ? parseUnsigned(number, 10) : 0;
 }
 
 uint32_t processNumber() {
