@@ -1,7 +1,6 @@
 // tarnfleet: what a roll-out over many servers would do, what it has done, and whether it is true.
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <span>
 #include <string>
@@ -12,6 +11,7 @@
 #include <windows.h>
 #endif
 
+#include "check.h"
 #include "console.h"
 #include "exit_codes.h"
 #include "text.h"
@@ -29,7 +29,9 @@ struct Command {
 };
 
 // In the order in which people need them.
-constexpr std::array<Command, 0> commands = {};
+constexpr Command commands[] = {
+    {"check", "the state of one server, as JSON for a script", CHECK_HELP, runCheck},
+};
 
 }  // namespace
 
@@ -75,8 +77,8 @@ static int runProgram(std::span<const std::string> arguments) {
         return printText(nameAndVersion() + "\n");
     }
     const auto* command =
-        std::find_if(commands.begin(), commands.end(), [&](const Command& row) { return row.name == word; });
-    if (command == commands.end()) {
+        std::find_if(std::begin(commands), std::end(commands), [&](const Command& row) { return row.name == word; });
+    if (command == std::end(commands)) {
         if (asksForHelp(arguments) || word == "help") {
             return printText(programHelp());
         }

@@ -1,6 +1,10 @@
 #include "text.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cstdint>
+
+using namespace fleet;
 
 namespace {
 
@@ -89,6 +93,54 @@ std::string fleet::shownText(std::string_view text) {
     return result;
 }
 
+static bool isUtf8(std::string_view text) {
+    while (!text.empty()) {
+        const Decoded next = decode(text);
+        if (next.codePoint == REPLACEMENT && next.size == 1) {
+            return false;
+        }
+        text.remove_prefix(next.size);
+    }
+    return true;
+}
+
+// `lowByte` is the place of a unit's lower byte, 0 or 1. A single byte at the end is dropped.
+static std::string decodedUtf16(std::string_view bytes, size_t lowByte) {
+    std::u16string units;
+    units.reserve(bytes.size() / 2);
+    for (size_t i = 0; i + 1 < bytes.size(); i += 2) {
+        const auto low = static_cast<uint8_t>(bytes[i + lowByte]);
+        const auto high = static_cast<uint8_t>(bytes[i + 1 - lowByte]);
+        units += static_cast<char16_t>(high << 8 | low);
+    }
+    return utf8Of(units);
+}
+
+static std::string decodedLatin1(std::string_view bytes) {
+    std::string text;
+    text.reserve(bytes.size() + bytes.size() / 8);
+    for (const char byte : bytes) {
+        append(text, static_cast<uint8_t>(byte));
+    }
+    return text;
+}
+
+std::string fleet::decodedText(std::string_view bytes) {
+    if (bytes.starts_with("\xEF\xBB\xBF")) {
+        bytes.remove_prefix(3);
+    }
+    if (bytes.starts_with("\xFF\xFE")) {
+        return decodedUtf16(bytes.substr(2), 0);
+    }
+    if (bytes.starts_with("\xFE\xFF")) {
+        return decodedUtf16(bytes.substr(2), 1);
+    }
+    if (bytes.size() >= 2 && (bytes[0] == '\0') != (bytes[1] == '\0')) {
+        return decodedUtf16(bytes, bytes[0] == '\0' ? 1 : 0);
+    }
+    return isUtf8(bytes) ? std::string(bytes) : decodedLatin1(bytes);
+}
+
 std::string fleet::utf8Of(std::u16string_view text) {
     std::string result;
     result.reserve(text.size());
@@ -133,10 +185,59 @@ std::filesystem::path fleet::pathOf(std::string_view text) {
 #endif
 }
 
-size_t fleet::lengthOf(std::string_view text) {
-    size_t length = 0;
-    for (char c : text) {
-        length += (static_cast<uint8_t>(c) & 0xC0U) == 0x80 ? 0 : 1;
+std::string_view fleet::trimmed(std::string_view text) {
+    constexpr std::string_view blanks = " \t\r\n";
+    const size_t first = text.find_first_not_of(blanks);
+    return first == std::string_view::npos ? "" : text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+std::string_view fleet::takeLine(std::string_view& text) {
+    const size_t end = std::min(text.find('\n'), text.size());
+    std::string_view line = text.substr(0, end);
+    text.remove_prefix(std::min(end + 1, text.size()));
+    if (line.ends_with('\r')) {
+        line.remove_suffix(1);
     }
-    return length;
+    return line;
+}
+
+std::optional<int64_t> fleet::readNumber(std::string_view text, int64_t smallest, int64_t largest) {
+    int64_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    const bool valid =
+        error == std::errc() && end == text.data() + text.size() && number >= smallest && number <= largest;
+    return valid ? std::optional(number) : std::nullopt;
+}
+
+std::string fleet::lowerCase(std::string_view text) {
+    std::string result(text);
+    for (char& c : result) {
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+    return result;
+}
+
+static bool beginsCodePoint(char byte) {
+    return (static_cast<uint8_t>(byte) & 0xC0U) != 0x80;
+}
+
+size_t fleet::lengthOf(std::string_view text) {
+    return static_cast<size_t>(std::count_if(text.begin(), text.end(), beginsCodePoint));
+}
+
+std::string fleet::cutText(std::string_view text, size_t length) {
+    constexpr std::string_view ellipsis = "...";
+    if (lengthOf(text) <= length) {
+        return std::string(text);
+    }
+    std::string result;
+    size_t kept = 0;
+    for (const char byte : text) {
+        kept += beginsCodePoint(byte) ? 1 : 0;
+        if (kept + ellipsis.size() > length) {
+            break;
+        }
+        result += byte;
+    }
+    return result.append(ellipsis);
 }

@@ -15,12 +15,12 @@ needed=(
     "g++ g++"
     "cmake cmake"
     "ninja ninja-build"
+    "/usr/include/expat.h libexpat1-dev"
 )
 case "${1:-build}" in
 test)
     needed+=(
         "/usr/include/gtest/gtest.h libgtest-dev"
-        "/usr/include/expat.h libexpat1-dev"
         "xmllint libxml2-utils"
         "xsltproc xsltproc"
         "chromium chromium"
@@ -36,7 +36,6 @@ fuzz)
         "clang++ clang"
         "/usr/lib/llvm-14/lib/clang/14.0.6/lib/linux/libclang_rt.fuzzer-x86_64.a libclang-rt-14-dev"
         "/usr/include/gtest/gtest.h libgtest-dev"
-        "/usr/include/expat.h libexpat1-dev"
         "python3 python3"
     )
     ;;
