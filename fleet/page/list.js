@@ -59,7 +59,7 @@ function reportTime(server) {
 function makeRow(server) {
   const cell = (key, ...content) =>
     make("td", { role: "cell", class: key, "data-word": COLUMNS.find(column => column.key === key).word }, ...content);
-  server.button = button({ class: "toggle", "aria-expanded": "false" }, () => toggle(server), foreign(server.name));
+  server.button = button({ class: "toggle", "aria-expanded": "false" }, () => toggle(server), foreign(server.name || "(no name)"));
   server.portsCell = cell("ports");
   const state = [stateWord(server.state)];
   if (server.reboot && server.state !== "waiting") {

@@ -49,8 +49,8 @@ function drawBar(word, counts, total) {
 }
 
 // A button of a state: a filter that is on or off.
-function stateButton(set, name, label, ...content) {
-  const element = button({ "aria-label": label, "aria-pressed": "false" }, () => {
+function stateButton(set, name, ...content) {
+  const element = button({ "aria-pressed": "false" }, () => {
     if (!set().delete(name)) {
       set().add(name);
     }
@@ -70,12 +70,13 @@ function drawStates() {
     if (!servers && !ports && name !== "failed") {
       continue;
     }
-    const serverButton = stateButton(() => view.states, name, `${word}: ${counted(servers, "server")}`,
-      stateWord(name), make("strong", {}, number(servers)), make("span", {}, servers === 1 ? "server" : "servers"));
+    const serverButton = stateButton(() => view.states, name, stateWord(name), " ",
+      make("strong", {}, number(servers)), " ", make("span", {}, servers === 1 ? "server" : "servers"));
     const item = make("li", { class: servers || ports ? name : "none" }, serverButton);
     stateButtons.push(serverButton);
     if (ports) {
-      const portButton = stateButton(() => view.portStates, name, `${word}: ${counted(ports, "port")}`, counted(ports, "port"));
+      const portButton = stateButton(() => view.portStates, name,
+        make("span", { class: "unseen" }, `${word} `), counted(ports, "port"));
       item.append(portButton);
       stateButtons.push(portButton);
     }
