@@ -2,7 +2,11 @@
 
 function addressOf() {
   const parameters = new URLSearchParams();
-  const add = (key, value) => { if (value) { parameters.append(key, value); } };
+  const add = (key, value) => {
+    if (value) {
+      parameters.append(key, value);
+    }
+  };
   add("q", view.query.trim());
   add("state", [...view.states].join(","));
   add("port", [...view.portStates].join(","));
@@ -21,8 +25,11 @@ function readAddress() {
   view.query = parameters.get("q") ?? "";
   view.states = states("state");
   view.portStates = states("port");
-  view.only = Object.fromEntries(Object.keys(ONLY_WORDS).filter(key => parameters.has(key))
-    .map(key => [key, parameters.get(key)]));
+  view.only = Object.fromEntries(
+    Object.keys(ONLY_WORDS)
+      .filter(key => parameters.has(key))
+      .map(key => [key, parameters.get(key)]),
+  );
   view.sort = known ? sort : "state";
   view.descending = known && minus === "-";
   view.open = new Set(parameters.getAll("open"));

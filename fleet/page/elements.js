@@ -23,6 +23,18 @@ function button(attributes, action, ...children) {
   return element;
 }
 
+// Rows and tables have their roles spelled out: as cards in a narrow window they would lose them.
+const row = (...cells) => make("tr", { role: "row" }, ...cells);
+const cell = (...content) => make("td", { role: "cell" }, ...content);
+const rowHeading = (...content) => make("th", { role: "rowheader", scope: "row" }, ...content);
+const heading = (word, key = false) => make("th", { role: "columnheader", scope: "col", class: key }, word);
+
+function makeTable(attributes, headings, ...groups) {
+  const head = make("thead", { role: "rowgroup" }, row(...headings));
+  const bodies = groups.map(rows => make("tbody", { role: "rowgroup" }, ...rows));
+  return make("table", { role: "table", ...attributes }, head, ...bodies);
+}
+
 const stateWord = name => make("span", { class: `word ${name}` }, wordOf(name));
 
 // Sets a text only if it is another one: a live region would read it again.

@@ -1,4 +1,5 @@
-# Makes the C++ source of the page: cmake -D DIRECTORY=... -D SCRIPTS=a.js,b.js -D OUTPUT=... -P embed.cmake
+# Makes the C++ source of the page:
+#     cmake -D DIRECTORY=... -D STYLES=a.css,b.css -D SCRIPTS=a.js,b.js -D OUTPUT=... -P embed.cmake
 # The script and the style are allowed by their hashes and nothing else is, so that no text of a report can become one.
 
 # The source expression of a Content Security Policy that allows exactly this text.
@@ -20,18 +21,27 @@ function(policy_hash result text)
     set(${result} "'sha256-${base64}='" PARENT_SCOPE)
 endfunction()
 
+# The content of several files of DIRECTORY, given as a.js,b.js.
+function(read_parts result names)
+    string(REPLACE "," ";" names "${names}")
+    set(text "")
+    foreach(name IN LISTS names)
+        file(READ "${DIRECTORY}/${name}" part)
+        string(APPEND text "${part}")
+    endforeach()
+    set(${result} "${text}" PARENT_SCOPE)
+endfunction()
+
 file(READ "${DIRECTORY}/page.html" page)
-file(READ "${DIRECTORY}/page.css" style)
-string(REPLACE "," ";" SCRIPTS "${SCRIPTS}")
-set(script "")
-foreach(name IN LISTS SCRIPTS)
-    file(READ "${DIRECTORY}/${name}" part)
-    string(APPEND script "${part}")
-endforeach()
+read_parts(style "${STYLES}")
+read_parts(script "${SCRIPTS}")
 
 policy_hash(style_hash "${style}")
 policy_hash(script_hash "${script}")
-string(REPLACE "@POLICY@" "default-src 'none'; script-src ${script_hash}; style-src ${style_hash}; img-src data:; base-uri 'none'; form-action 'none'" page "${page}")
+set(policy "default-src 'none'")
+string(APPEND policy "; script-src ${script_hash}; style-src ${style_hash}; img-src data:")
+string(APPEND policy "; base-uri 'none'; form-action 'none'")
+string(REPLACE "@POLICY@" "${policy}" page "${page}")
 string(REPLACE "@STYLE@" "${style}" page "${page}")
 string(REPLACE "@SCRIPT@" "${script}" page "${page}")
 

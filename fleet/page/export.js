@@ -13,14 +13,14 @@ const CSV_COLUMNS = {
   version_image: (_, port) => port.image,
   image_file: (_, port) => port.file,
   version_now: (_, port) => port.now,
-  message: (_, port) => port.message,
+  message: (server, port) => port.reason || port.message || (server.ports.length ? "" : server.reason),
 };
 
-// A spreadsheet takes a text that begins like a formula for one; an apostrophe keeps it a text.
+// A spreadsheet takes a text that begins like a formula for one; an apostrophe keeps it a text. A minus sign of a
+// number is just that.
 function csvField(value) {
-  const text = String(value ?? "");
-  const safe = /^[=+\-@\t\r]/.test(text) ? `'${text}` : text;
-  return /[",\r\n]/.test(safe) ? `"${safe.replaceAll("\"", "\"\"")}"` : safe;
+  const text = typeof value === "string" && /^[=+@-]/.test(value) ? `'${value}` : String(value ?? "");
+  return /[",\r\n]/.test(text) ? `"${text.replaceAll('"', '""')}"` : text;
 }
 
 function csvOfShown() {
@@ -39,7 +39,9 @@ let doneTimer = 0;
 function say(text) {
   clearTimeout(doneTimer);
   find("done").textContent = text;
-  doneTimer = setTimeout(() => { find("done").textContent = ""; }, 6000);
+  doneTimer = setTimeout(() => {
+    find("done").textContent = "";
+  }, 6000);
 }
 
 function saveCsv() {

@@ -3,19 +3,19 @@
 // What the reader asked for. The address holds the same.
 const view = {
   query: "",
-  states: new Set(),      // of servers
+  states: new Set(), // of servers
   portStates: new Set(),
-  only: {},               // exact values of a line: reason, model, before, after
+  only: {}, // exact values of a line: reason, model, before, after
   sort: "state",
   descending: false,
-  open: new Set(),        // names of servers
+  open: new Set(), // names of servers
 };
 
 const ONLY_WORDS = { reason: "Reason", model: "Model", before: "Before", after: onlyPreviews ? "Planned" : "Now" };
 
 const ONLY_MATCHES = {
-  reason: (line, server, reason) => server.failures.has(reason) &&
-    (!server.failures.get(reason).length || server.failures.get(reason).includes(line)),
+  reason: (line, server, reason) =>
+    server.failures.has(reason) && (!server.failures.get(reason).length || server.failures.get(reason).includes(line)),
   model: (line, _, model) => line.model === model,
   before: (line, server, version) => line !== server && (line.before || UNKNOWN) === version,
   after: (line, _, version) => line.after === version,
@@ -23,12 +23,13 @@ const ONLY_MATCHES = {
 
 // Words, and phrases in quotation marks. A quotation mark without its second one reaches to the end.
 function wordsOf(query) {
-  return Array.from(query.toLowerCase().matchAll(/"([^"]*)"?|([^\s"]+)/g), ([, phrase, word]) => phrase ?? word)
-    .filter(word => word.trim());
+  return Array.from(query.toLowerCase().matchAll(/"([^"]*)"?|([^\s"]+)/g), ([, phrase, word]) => phrase ?? word).filter(
+    word => word.trim(),
+  );
 }
 
-const isFiltered = () => Boolean(view.query.trim() || view.states.size || view.portStates.size ||
-  Object.keys(view.only).length);
+const isFiltered = () =>
+  Boolean(view.query.trim() || view.states.size || view.portStates.size || Object.keys(view.only).length);
 
 // The lines of one server that match. Words of the server's own need not be in each line.
 function linesFound(server, words) {
@@ -36,10 +37,12 @@ function linesFound(server, words) {
     return [];
   }
   const missing = words.filter(word => !textOfServer(server).includes(word));
-  return server.lines.filter(line =>
-    (!view.portStates.size || (line !== server && view.portStates.has(line.state))) &&
-    Object.entries(view.only).every(([key, value]) => ONLY_MATCHES[key](line, server, value)) &&
-    (!missing.length || (line !== server && missing.every(word => textOfPort(line).includes(word)))));
+  return server.lines.filter(
+    line =>
+      (!view.portStates.size || (line !== server && view.portStates.has(line.state))) &&
+      Object.entries(view.only).every(([key, value]) => ONLY_MATCHES[key](line, server, value)) &&
+      (!missing.length || (line !== server && missing.every(word => textOfPort(line).includes(word)))),
+  );
 }
 
 // Columns that can be sorted by. A key of null comes last in both directions.
@@ -54,7 +57,9 @@ const COLUMNS = [
 ];
 
 const inNameOrder = [...fleet.servers].sort((a, b) => byName.compare(a.name, b.name));
-inNameOrder.forEach((server, place) => { server.place = place; });
+inNameOrder.forEach((server, place) => {
+  server.place = place;
+});
 
 // All servers in one order; the orders are kept, since a filter changes none.
 const orders = new Map();
@@ -64,11 +69,17 @@ function serversInOrder() {
   if (!orders.has(key)) {
     const { of } = COLUMNS.find(column => column.key === view.sort);
     const sign = view.descending ? -1 : 1;
-    const compare = (a, b) => typeof a === "number" ? a - b : byName.compare(a, b);
-    orders.set(key, inNameOrder.map(server => ({ server, value: view.sort === "name" ? server.place : of(server) }))
-      .sort((a, b) => (a.value === null) - (b.value === null) ||
-        (a.value === null ? 0 : sign * compare(a.value, b.value)))
-      .map(({ server }) => server));
+    const compare = (a, b) => (typeof a === "number" ? a - b : byName.compare(a, b));
+    orders.set(
+      key,
+      inNameOrder
+        .map(server => ({ server, value: view.sort === "name" ? server.place : of(server) }))
+        .sort(
+          (a, b) =>
+            (a.value === null) - (b.value === null) || (a.value === null ? 0 : sign * compare(a.value, b.value)),
+        )
+        .map(({ server }) => server),
+    );
   }
   return orders.get(key);
 }

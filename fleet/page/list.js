@@ -28,25 +28,26 @@ function portCell({ key, word, of }, port) {
   return make("td", attributes, foreign(of(port)));
 }
 
+function portsTable(server, ports) {
+  const words = PORT_COLUMNS.map(({ key, word }) => heading(word, key));
+  const rows = ports.map(port => row(...PORT_COLUMNS.map(column => portCell(column, port))));
+  return makeTable({ class: "inner", "aria-label": `Ports of ${server.name}` }, words, rows);
+}
+
 // The ports of a server that match, worst first, and how many do not.
 function portsRow(server) {
   const found = server.ports.length ? [...server.found].sort((a, b) => a.rank - b.rank) : [];
   const others = server.ports.length - found.length;
-  const content = [];
+  const content = cell();
   if (found.length) {
-    content.push(make("table", { role: "table", class: "inner" },
-      make("thead", { role: "rowgroup" }, make("tr", { role: "row" },
-        ...PORT_COLUMNS.map(({ key, word }) => make("th", { role: "columnheader", scope: "col", class: key }, word)))),
-      make("tbody", { role: "rowgroup" }, ...found.map(port => make("tr", { role: "row" },
-        ...PORT_COLUMNS.map(column => portCell(column, port)))))));
-    content[0].setAttribute("aria-label", `Ports of ${server.name}`);
+    content.append(portsTable(server, found));
   }
   if (!server.ports.length) {
-    content.push(make("p", {}, "No ports."));
+    content.append(make("p", {}, "No ports."));
   } else if (others) {
-    content.push(make("p", {}, others === 1 ? "1 other port does not match." : `${number(others)} other ports do not match.`));
+    content.append(make("p", {}, `${counted(others, "other port")} ${others === 1 ? "does" : "do"} not match.`));
   }
-  return make("tr", { role: "row", class: "inside", id: `ports-${server.place}` }, make("td", { role: "cell" }, ...content));
+  return make("tr", { role: "row", class: "inside", id: `ports-${server.place}` }, content);
 }
 
 function reportTime(server) {
@@ -56,11 +57,9 @@ function reportTime(server) {
   return days ? [time, " ", mark] : [time];
 }
 
-function makeRow(server) {
-  const cell = (key, ...content) =>
-    make("td", { role: "cell", class: key, "data-word": COLUMNS.find(column => column.key === key).word }, ...content);
-  server.button = button({ class: "toggle", "aria-expanded": "false" }, () => toggle(server), foreign(server.name || "(no name)"));
-  server.portsCell = cell("ports");
+function makeServerRow(server) {
+  const opener = { class: "toggle", "aria-expanded": "false" };
+  server.button = button(opener, () => toggle(server), foreign(server.name || "(no name)"));
   const state = [stateWord(server.state)];
   if (server.reboot && server.state !== "waiting") {
     state.push(" ", make("span", { class: "mark" }, "Reboot needed"));
@@ -68,19 +67,25 @@ function makeRow(server) {
   if (server.preview && !onlyPreviews) {
     state.push(" ", make("span", { class: "mark" }, "Preview"));
   }
-  return make("tr", { role: "row", class: "server" },
-    make("th", { role: "rowheader", scope: "row", class: "name" }, server.button),
-    cell("state", ...state),
-    cell("reason", foreign(server.reason)),
-    server.portsCell,
-    cell("models", foreign(server.models)),
-    cell("code", server.code === null ? "" : String(server.code)),
-    cell("time", ...(server.time === null ? [] : reportTime(server))));
+  const contents = {
+    state,
+    reason: [foreign(server.reason)],
+    ports: [],
+    models: [foreign(server.models)],
+    code: server.code === null ? [] : [String(server.code)],
+    time: server.time === null ? [] : reportTime(server),
+  };
+  const cells = COLUMNS.slice(1).map(({ key, word }) =>
+    make("td", { role: "cell", class: key, "data-word": word }, ...contents[key]),
+  );
+  server.portsCell = cells.find(made => made.className === "ports");
+  const name = make("th", { role: "rowheader", scope: "row", class: "name" }, server.button);
+  return make("tr", { role: "row", class: "server" }, name, ...cells);
 }
 
 // The rows of a server as the view wants them. The server's own row is made once and kept.
 function rowsOf(server) {
-  server.row ??= makeRow(server);
+  server.row ??= makeServerRow(server);
   const total = server.ports.length;
   const found = total ? server.found.length : 0;
   setText(server.portsCell, found === total ? number(total) : `${number(found)} of ${number(total)}`);
@@ -101,6 +106,7 @@ function toggle(server) {
   }
   server.inside?.remove();
   server.row.after(...rowsOf(server).slice(1));
+  drawOpenAll();
   writeAddress(false);
 }
 
@@ -150,17 +156,20 @@ function sortBy(key) {
   writeAddress(false);
 }
 
+const headings = COLUMNS.map(({ key, word }) =>
+  heading(
+    button({}, () => sortBy(key), word),
+    key,
+  ),
+);
+find("headings").append(...headings);
+
 function drawHeadings() {
-  const headings = find("headings");
-  if (!headings.cells.length) {
-    headings.append(...COLUMNS.map(({ key, word }) => make("th", { role: "columnheader", scope: "col", class: key },
-      button({}, () => sortBy(key), word))));
-  }
   COLUMNS.forEach(({ key }, place) => {
     if (view.sort === key) {
-      headings.cells[place].setAttribute("aria-sort", view.descending ? "descending" : "ascending");
+      headings[place].setAttribute("aria-sort", view.descending ? "descending" : "ascending");
     } else {
-      headings.cells[place].removeAttribute("aria-sort");
+      headings[place].removeAttribute("aria-sort");
     }
   });
 }
@@ -181,8 +190,8 @@ table.addEventListener("keydown", event => {
 
 // A click anywhere on a server's row opens it, unless it ends the selection of a text.
 table.addEventListener("click", event => {
-  const row = event.target.closest("tr.server");
-  if (row && !event.target.closest("button") && getSelection().isCollapsed) {
-    toggle(shown.find(server => server.row === row));
+  const clicked = event.target.closest("tr.server");
+  if (clicked && !event.target.closest("button") && getSelection().isCollapsed) {
+    toggle(shown.find(server => server.row === clicked));
   }
 });

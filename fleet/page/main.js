@@ -1,29 +1,29 @@
 // The parts together.
 
-function drawFilters() {
-  find("filters").replaceChildren(...Object.entries(view.only).map(([key, value]) => {
-    const label = `${ONLY_WORDS[key]}: `;
-    const chip = button({ class: "chip" }, () => {
-      delete view.only[key];
-      changed(true);
-      find("search").focus();
-    }, label, foreign(value || "no reason given"), make("span", { "aria-hidden": "true" }, " \u00d7"));
-    chip.setAttribute("aria-label", `Remove the filter ${label}${value}`);
-    return chip;
-  }));
+function filterChip(key, value) {
+  const remove = () => {
+    delete view.only[key];
+    changed(true);
+    find("search").focus();
+  };
+  const content = [`${ONLY_WORDS[key]}: `, foreign(value || "no reason given")];
+  const cross = make("span", { "aria-hidden": "true" }, " \u00d7");
+  return button({ class: "chip" }, remove, make("span", { class: "unseen" }, "Remove the filter "), ...content, cross);
+}
+
+function countText() {
+  const all = [counted(fleet.servers.length, "server"), counted(portCount, "port")];
+  const ports = shown.reduce((sum, server) => sum + (server.ports.length && server.found.length), 0);
+  return isFiltered() ? `${number(shown.length)} of ${all[0]}, ${number(ports)} of ${all[1]}` : all.join(", ");
 }
 
 // Draws all that depends on the view.
 function draw() {
   drawList();
-  drawFilters();
-  stateButtons.forEach(element => element.update());
-  const filtered = isFiltered();
-  const ports = shown.reduce((sum, server) => sum + (server.ports.length && server.found.length), 0);
-  setText(find("count"), filtered ?
-    `${number(shown.length)} of ${counted(fleet.servers.length, "server")}, ${number(ports)} of ${counted(portCount, "port")}` :
-    `${counted(fleet.servers.length, "server")}, ${counted(portCount, "port")}`);
-  find("reset").hidden = !filtered;
+  find("filters").replaceChildren(...Object.entries(view.only).map(([key, value]) => filterChip(key, value)));
+  stateButtons.forEach(({ element, isOn }) => element.setAttribute("aria-pressed", isOn()));
+  setText(find("count"), countText());
+  find("reset").hidden = !isFiltered();
   find("copy").disabled = find("save").disabled = !shown.length;
   drawOpenAll();
 }
@@ -34,7 +34,7 @@ function changed(step) {
   writeAddress(step);
 }
 
-const OPEN_AT_ONCE = 100;  // servers; their names are in the address
+const OPEN_AT_ONCE = 100; // servers; their names are in the address
 
 function drawOpenAll() {
   const all = shown.length > 0 && shown.every(server => view.open.has(server.name));

@@ -4,30 +4,36 @@ const fleet = JSON.parse(document.getElementById("fleet").textContent);
 const byName = new Intl.Collator("en", { numeric: true });
 const DAY = 24 * 60 * 60;
 
-fleet.states.forEach((state, rank) => { state.rank = rank; });
+fleet.states.forEach((state, rank) => {
+  state.rank = rank;
+});
 const stateNamed = new Map(fleet.states.map(state => [state.name, state]));
 const wordOf = name => stateNamed.get(name).word;
 
 const FAILURES = new Set(["failed", "not-installed", "no-report"]);
 const ATTENTION = new Set([...FAILURES, "waiting", "not-verified"]);
 
-const UNKNOWN = "not known";  // as a version
+const UNKNOWN = "not known"; // as a version
 
 // What the port runs when all is done, or would run.
 function versionAfter(port) {
-  const version = port.state === "would-update" ? port.image : ["skipped", "current"].includes(port.state) ? port.before : "";
+  const version =
+    port.state === "would-update" ? port.image : ["skipped", "current"].includes(port.state) ? port.before : "";
   return port.now || version || UNKNOWN;
 }
 
 function joined(...texts) {
-  return texts.filter(text => text !== null && text !== "").join("\n").toLowerCase();
+  return texts
+    .filter(text => text !== null && text !== "")
+    .join("\n")
+    .toLowerCase();
 }
 
 // The failing ports of a server by reason. The reason for a whole server, such as its return code, has no ports.
 function failuresOf(server) {
   const failures = new Map(FAILURES.has(server.state) ? server.reasons.map(reason => [reason, []]) : []);
   for (const port of server.ports.filter(({ state }) => FAILURES.has(state))) {
-    failures.set(port.reason, [...failures.get(port.reason) ?? [], port]);
+    failures.set(port.reason, [...(failures.get(port.reason) ?? []), port]);
   }
   return failures;
 }
@@ -59,13 +65,29 @@ function daysBehind(server) {
 
 // What a search looks in. Made when it is first needed.
 function textOfServer(server) {
-  return server.text ??= joined(server.name, wordOf(server.state), server.reason,
-    server.code === null ? "" : `code ${server.code}`, server.reboot ? "reboot needed" : "");
+  return (server.text ??= joined(
+    server.name,
+    wordOf(server.state),
+    server.reason,
+    server.code === null ? "" : `code ${server.code}`,
+    server.reboot ? "reboot needed" : "",
+  ));
 }
 
 function textOfPort(port) {
-  return port.text ??= joined(port.wwn, wordOf(port.state), port.model, port.pci, port.before, port.image, port.file,
-    port.now, port.reason, port.message, port.status === null ? "" : `status ${port.status}`);
+  return (port.text ??= joined(
+    port.wwn,
+    wordOf(port.state),
+    port.model,
+    port.pci,
+    port.before,
+    port.image,
+    port.file,
+    port.now,
+    port.reason,
+    port.message,
+    port.status === null ? "" : `status ${port.status}`,
+  ));
 }
 
 const number = value => value.toLocaleString("en");
@@ -75,6 +97,8 @@ const counted = (value, word) => `${number(value)} ${word}${value === 1 ? "" : "
 function timeText(seconds) {
   const date = new Date(seconds * 1000);
   const two = value => String(value).padStart(2, "0");
-  return `${date.getFullYear()}-${two(date.getMonth() + 1)}-${two(date.getDate())} ` +
-    `${two(date.getHours())}:${two(date.getMinutes())}`;
+  return (
+    `${date.getFullYear()}-${two(date.getMonth() + 1)}-${two(date.getDate())} ` +
+    `${two(date.getHours())}:${two(date.getMinutes())}`
+  );
 }
