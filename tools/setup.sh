@@ -1,69 +1,79 @@
 #!/usr/bin/env bash
 # Installs what is missing on a Debian machine.
-# Usage: tools/setup.sh build|test|fuzz|windows|coverage|mutate|bench
-#   build     to build the programs for this machine
+# Usage: tools/setup.sh [ROLE ...]
+#   build     to build the programs for this machine (every role includes it)
 #   test      to test them as well
 #   fuzz      to build the fuzz targets
 #   windows   to build the Windows programs and run them
-#   coverage  to print what the tests reach, beside what `test` installs
-#   mutate    to flip its decisions, beside what `test` installs
+#   coverage  to print what the tests reach, in addition to `test`
+#   mutate    to flip decisions of the program, in addition to `test`
 #   bench     to measure what a run costs
 set -euo pipefail
 
-# What tells that a package is there, a command or a whole path, and the package.
+# A command or a path that shows that the package is installed, and the package.
 needed=(
     "g++ g++"
     "cmake cmake"
     "ninja ninja-build"
     "/usr/include/expat.h libexpat1-dev"
 )
-case "${1:-build}" in
-test)
-    needed+=(
-        "/usr/include/gtest/gtest.h libgtest-dev"
-        "xmllint libxml2-utils"
-        "xsltproc xsltproc"
-        "chromium chromium"
-        "/usr/lib/python3/dist-packages/ansible_collections/ansible/windows ansible"
-        "python3 python3"
-        "clang-format clang-format"
-        "clang-tidy clang-tidy"
-        "cppcheck cppcheck"
-    )
-    ;;
-fuzz)
-    needed+=(
-        "clang++ clang"
-        "/usr/lib/llvm-14/lib/clang/14.0.6/lib/linux/libclang_rt.fuzzer-x86_64.a libclang-rt-14-dev"
-        "/usr/include/gtest/gtest.h libgtest-dev"
-        "python3 python3"
-    )
-    ;;
-windows)
-    needed+=(
-        "x86_64-w64-mingw32-g++-posix g++-mingw-w64-x86-64-posix"
-        "/usr/src/googletest/googletest googletest"
-        "wine wine"
-        "/usr/lib/wine/wine64 wine64"
-        "zip zip"
-    )
-    ;;
-coverage)
-    needed+=("gcovr gcovr")
-    ;;
-mutate)
-    needed+=("rsync rsync")
-    ;;
-bench)
-    needed+=(
-        "gcc gcc"
-        "hyperfine hyperfine"
-        "valgrind valgrind"
-        "/usr/bin/time time"
-        "python3 python3-minimal"
-    )
-    ;;
-esac
+add_role() {
+    case $1 in
+    build) ;;
+    test)
+        needed+=(
+            "/usr/include/gtest/gtest.h libgtest-dev"
+            "xmllint libxml2-utils"
+            "xsltproc xsltproc"
+            "chromium chromium"
+            "/usr/lib/python3/dist-packages/ansible_collections/ansible/windows ansible"
+            "python3 python3"
+            "clang-format clang-format"
+            "clang-tidy clang-tidy"
+            "cppcheck cppcheck"
+        )
+        ;;
+    fuzz)
+        needed+=(
+            "clang++ clang"
+            "/usr/lib/llvm-14/lib/clang/14.0.6/lib/linux/libclang_rt.fuzzer-x86_64.a libclang-rt-14-dev"
+            "python3 python3"
+        )
+        ;;
+    windows)
+        needed+=(
+            "x86_64-w64-mingw32-g++-posix g++-mingw-w64-x86-64-posix"
+            "/usr/src/googletest/googletest googletest"
+            "wine wine"
+            "/usr/lib/wine/wine64 wine64"
+            "zip zip"
+        )
+        ;;
+    coverage)
+        needed+=("gcovr gcovr")
+        ;;
+    mutate)
+        needed+=("rsync rsync")
+        ;;
+    bench)
+        needed+=(
+            "gcc gcc"
+            "hyperfine hyperfine"
+            "valgrind valgrind"
+            "/usr/bin/time time"
+            "python3 python3-minimal"
+        )
+        ;;
+    *)
+        echo "tools/setup.sh: unknown role '$1'" >&2
+        exit 2
+        ;;
+    esac
+}
+
+for role in "$@"; do
+    add_role "$role"
+done
 
 missing=()
 for row in "${needed[@]}"; do
