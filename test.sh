@@ -84,7 +84,7 @@ fi
 # Windows programs and of the roll-out mostly wait.
 [ $# -eq 0 ] || stages=("$@")
 tools/setup.sh test fuzz windows || tools/setup.sh test fuzz
-declare -A stage_of started heading
+declare -A stage_of=() started=() heading=()
 failed=()
 
 # Waits for the next stage to end.
@@ -103,9 +103,10 @@ reap() {
     [ "$name" = "${stages[0]}" ] || show "$name"
 }
 
+# Prints a stage's log without what only tells that it is still at work.
 show() {
     echo "${heading[$1]}"
-    sed '/^== /d' "$logs/$1.log"
+    sed -E '/^(==|      Start) /d' "$logs/$1.log"
 }
 
 for name in "${stages[@]}"; do
@@ -119,7 +120,9 @@ while [ ${#stage_of[@]} -gt 0 ]; do
 done
 
 echo "== all: $SECONDS s"
-printf '%s\n' "${heading[@]}"
+for name in "${stages[@]:1}"; do
+    echo "${heading[$name]}"
+done
 show "${stages[0]}"
 if [ ${#failed[@]} -gt 0 ]; then
     echo "FAILED: ${failed[*]}"
