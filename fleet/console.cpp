@@ -2,7 +2,14 @@
 
 #include <cstdio>
 
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
+#endif
+
 #include "text.h"
+
+using namespace fleet;
 
 void fleet::complain(std::string_view message) {
     const std::string line = "tarnfleet: " + shownText(message) + "\n";
@@ -16,4 +23,11 @@ bool fleet::print(std::string_view text) {
         return false;
     }
     return true;
+}
+
+bool fleet::printBytes(std::string_view content) {
+#ifdef _WIN32
+    _setmode(_fileno(stdout), _O_BINARY);
+#endif
+    return print(content);
 }

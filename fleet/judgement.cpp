@@ -295,6 +295,8 @@ static void judgeMissingReport(const Evidence& evidence, const std::optional<int
     }
     if (evidence.hasRun) {
         verdicts.push_back({State::NO_REPORT, "the report " + evidence.run.fault});
+    } else if (!evidence.refusal.empty()) {
+        verdicts.push_back({State::NO_REPORT, evidence.refusal});
     } else if (code) {
         verdicts.push_back({State::NO_REPORT, codeText(*code, "but no report")});
     } else {

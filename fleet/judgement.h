@@ -20,6 +20,7 @@ struct Evidence {
     std::optional<int> returnCode;
     std::string returnCodeFault;  // why there is none although there is a file for it
     bool rebooted = false;        // restarted between run and query
+    std::string refusal;          // why no run was even tried, if that is so
     std::optional<int64_t> time;  // of the run's report, in seconds since 1970
 };
 

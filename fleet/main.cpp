@@ -13,7 +13,10 @@
 
 #include "check.h"
 #include "console.h"
+#include "csv.h"
 #include "exit_codes.h"
+#include "page.h"
+#include "status.h"
 #include "text.h"
 #include "version.h"
 
@@ -30,6 +33,9 @@ struct Command {
 
 // In the order in which people need them.
 constexpr Command commands[] = {
+    {"status", "all servers, the worst first, with reasons and totals", STATUS_HELP, runStatus},
+    {"page", "the same as a page for a browser", PAGE_HELP, runPage},
+    {"csv", "one row for each port, for spreadsheets and scripts", CSV_HELP, runCsv},
     {"check", "the state of one server, as JSON for a script", CHECK_HELP, runCheck},
 };
 
