@@ -9,8 +9,8 @@
 #include "platform/linux/native_path.h"
 #include "platform/platform.h"
 
-// The found entries in their order; a search hands them out one by one. It owns their names, which are kept at their own
-// length, since a directory may hold many.
+// The found entries in their order, and the next one to return. A search owns the names of its entries; each is stored at
+// its own length, since a directory may hold many.
 struct FoundEntry {
     char* name;
     bool isDirectory;
@@ -22,9 +22,9 @@ struct DirectorySearch {
     size_t next;
 };
 
-// The wildcards as the file system of the program's own world means them: in front of a dot `*` stops at the last dot
-// of the name; `?` also stands for nothing at a dot or at the end; a dot in front of a wildcard also stands for the end
-// of the name.
+// Wildcards as Windows matches them, with the three codes of its own pattern translation (DOS_STAR, DOS_QM, DOS_DOT): `*`
+// before a dot stops at the last dot of the name; `?` also matches nothing at a dot or at the end; a dot before a wildcard
+// also matches the end of the name.
 enum PatternPart : char { ANY_TO_LAST_DOT = '<', ONE_OR_END = '>', DOT_OR_END = '"' };
 
 static void translatePattern(char* pattern) {
@@ -41,21 +41,21 @@ static void translatePattern(char* pattern) {
 
 static constexpr size_t LONGEST_NAME = 255;
 
-// Works from the pattern's end to its start. rest[i] says whether the part of the pattern that is done matches the name
-// from its character i on, so that no pattern takes more than length times length steps.
+// Works from the pattern's end to its start. rest[i] tells whether the part of the pattern that was handled so far matches
+// the name from character i on, so no pattern needs more than length times length steps.
 static bool matchesPattern(const char* name, const char* pattern) {
     bool rest[LONGEST_NAME + 2] = {};
     size_t length = strlen(name);
-    if (length > LONGEST_NAME) {  // some file systems count in other units than bytes
+    if (length > LONGEST_NAME) {  // some file systems do not count in bytes
         return false;
     }
     const char* lastDot = strrchr(name, '.');
     rest[length] = true;
     for (size_t p = strlen(pattern); p-- > 0;) {
-        bool behind = false;  // rest[i + 1] of the pattern behind this part
+        bool afterNext = false;  // rest[i + 1] for the pattern after this part
         for (size_t i = length + 1; i-- > 0;) {
             bool atEnd = i == length;
-            bool here = rest[i];  // the pattern behind this part, from i on
+            bool here = rest[i];  // rest[i] for the pattern after this part
             switch (pattern[p]) {
             case '*':
                 rest[i] = here || (!atEnd && rest[i + 1]);
@@ -64,15 +64,15 @@ static bool matchesPattern(const char* name, const char* pattern) {
                 rest[i] = here || (!atEnd && name + i != lastDot && rest[i + 1]);
                 break;
             case ONE_OR_END:
-                rest[i] = atEnd || name[i] == '.' ? here : behind;
+                rest[i] = atEnd || name[i] == '.' ? here : afterNext;
                 break;
             case DOT_OR_END:
-                rest[i] = atEnd ? here : name[i] == '.' && behind;
+                rest[i] = atEnd ? here : name[i] == '.' && afterNext;
                 break;
             default:
-                rest[i] = !atEnd && upperCase(name[i]) == upperCase(pattern[p]) && behind;
+                rest[i] = !atEnd && upperCase(name[i]) == upperCase(pattern[p]) && afterNext;
             }
-            behind = here;
+            afterNext = here;
         }
     }
     return rest[0];
@@ -125,7 +125,7 @@ static void searchDirectory(DirectorySearch* search, const char* directory, char
     bool goesOn = true;
     errno = 0;
     for (const dirent* found; goesOn && (found = readdir(stream)) != nullptr; errno = 0) {
-        if (matchesPattern(found->d_name, pattern)) {
+        if (matchesPattern(found->d_name, pattern) && !holdsForbidden(found->d_name, NOT_IN_NAMES)) {
             goesOn = addEntry(search, &room, found->d_name, isDirectoryEntry(dirfd(stream), found));
         }
     }
@@ -142,7 +142,7 @@ static void searchDirectory(DirectorySearch* search, const char* directory, char
 static void lookUpName(DirectorySearch* search, const char* path, const char* name) {
     struct stat status;
     size_t room = 0;
-    if (name[0] != '\0' && lstat(path, &status) == 0) {
+    if (name[0] != '\0' && !holdsForbidden(name, NOT_IN_NAMES) && lstat(path, &status) == 0) {
         bool isDirectory = stat(path, &status) == 0 && S_ISDIR(status.st_mode);
         addEntry(search, &room, name, isDirectory);
     }

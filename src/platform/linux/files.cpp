@@ -1,3 +1,4 @@
+#include <cerrno>
 #include <cstring>
 
 #include <fcntl.h>
@@ -23,16 +24,24 @@ FILE* openNativeFile(const char* path) {
 
 FILE* openFile(const char* path, OpenMode mode) {
     char native[NATIVE_PATH_SIZE];
+    if (holdsForbidden(path, NOT_IN_PATHS)) {
+        return nullptr;
+    }
     if (mode == OPEN_READ_TEXT || mode == OPEN_READ_BINARY) {
         return nativePath(path, native) ? openNativeFile(native) : nullptr;
     }
-    // The e keeps the handle from the child.
+    // "e" keeps the child from inheriting the file.
     return nativePathForWriting(path, native) ? fopen(native, mode == OPEN_APPEND ? "ae" : "we") : nullptr;
 }
 
 int removeFile(const char* path) {
     char native[NATIVE_PATH_SIZE];
-    return nativePath(path, native) ? unlink(native) : -1;
+    errno = ENAMETOOLONG;
+    int result = nativePath(path, native) ? unlink(native) : -1;
+    if (result != 0 && errno == ENOTDIR) {  // a part of the directory's path is a file, so there is no such file
+        errno = ENOENT;
+    }
+    return result;
 }
 
 static int peekCharacter(FILE* file) {
@@ -46,7 +55,8 @@ static int readCharacter(FILE* file) {
     return c == '\r' && peekCharacter(file) == '\n' ? getc_unlocked(file) : c;
 }
 
-// Drops each carriage return in front of a line feed, which may be the file's next character. Returns the length left.
+// Drops each carriage return that is followed by a line feed, which may be the next character of the file. Returns the
+// length that is left.
 static size_t joinLineEnds(FILE* file, char* text, size_t length) {
     const char* end = text + length;
     const char* from = static_cast<const char*>(memchr(text, '\r', length));

@@ -27,7 +27,7 @@ static bool hasDrive(const char* path) {
     return isLetter(path[0]) && path[1] == ':';
 }
 
-// The program's path with slashes. Returns its length, 0 when it is not to be had.
+// The program's path with slashes. Returns its length, 0 when the system does not tell it.
 static size_t nativeProgramPath(char* out, size_t size) {
     ssize_t length = readlink("/proc/self/exe", out, size - 1);
     if (length < 1) {
@@ -66,6 +66,15 @@ static bool driveRoot(char letter, char* out) {
     return hostPath(entry, out);
 }
 
+bool holdsForbidden(const char* text, const char* characters) {
+    for (; *text != '\0'; text++) {
+        if (static_cast<unsigned char>(*text) < 0x20 || strchr(characters, *text) != nullptr) {
+            return true;
+        }
+    }
+    return false;
+}
+
 bool nativePath(const char* path, char* out) {
     if (!hasDrive(path)) {
         if (!formatText(out, NATIVE_PATH_SIZE, "%s", path)) {
@@ -92,7 +101,7 @@ static bool isDirectory(const char* path) {
 }
 
 bool makeDirectories(const char* path) {
-    // Mostly all but the last part is there.
+    // Usually only the last component is missing.
     if (mkdir(path, 0777) == 0) {
         return true;
     }
@@ -127,7 +136,7 @@ size_t programPath(char* out, size_t size) {
     return strlen(out);
 }
 
-// Takes the empty parts, `.` and `..` out of the absolute path `path`, in place. Nothing is looked up.
+// Removes the empty parts, `.` and `..` from the absolute path `path`, in place, without looking at the disk.
 static void normalize(char* path) {
     char* end = path;
     for (const char* part = path; *part != '\0';) {
