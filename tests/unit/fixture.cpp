@@ -1,5 +1,6 @@
 #include "unit/fixture.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -23,6 +24,9 @@ RunTest::RunTest() {
     directory = (fs::temp_directory_path() / name).string();
     fs::create_directories(directory);
     fs::current_path(directory);
+#ifndef _WIN32
+    setenv("TARNLIFT_HOST", (directory + "/host").c_str(), 1);  // registry and events of this test
+#endif
     initGlobals();
     runOptions.silent = 1;
     logFile = fopen("out.test", "w+b");

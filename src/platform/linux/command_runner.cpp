@@ -1,5 +1,4 @@
-// Runs the adapter utility. No shell is started: the command line is read here as the interpreter that it is made for
-// would read it.
+// Runs the adapter utility without a shell: the command line is split here the way cmd.exe would split it.
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -17,7 +16,7 @@ static constexpr size_t COMMAND_SIZE = 2048;
 static constexpr int CANNOT_RUN = 1;
 static constexpr int SIGNAL_STATUS_BASE = 128;
 
-// A command line taken apart. The texts lie in `storage`.
+// A command line split into its parts. The texts are in `storage`.
 struct Command {
     char* program;
     char* arguments[COMMAND_SIZE / 2];  // ended by a null; the first is the program
@@ -25,8 +24,8 @@ struct Command {
     char storage[COMMAND_SIZE];
 };
 
-// Takes the first and the last quotation mark off.
-static void copyWithoutOuterMarks(char* out, const char* commandLine) {
+// Copies the line without its first and its last quotation mark.
+static void copyWithoutOuterQuotes(char* out, const char* commandLine) {
     copyText(out, COMMAND_SIZE, commandLine);
     char* last = strrchr(out, '"');
     if (last != nullptr) {
@@ -38,7 +37,7 @@ static void copyWithoutOuterMarks(char* out, const char* commandLine) {
     }
 }
 
-// Reads what stands behind the first > : blanks, the file's name, up to the next blank. Returns where it ends.
+// Reads the name of the output file, which follows the first '>' and ends at the next blank. Returns its end in `text`.
 static const char* readOutputFile(Command* command, const char* text, char** store) {
     text += strspn(text, " ");
     size_t length = strcspn(text, " ");
@@ -48,14 +47,14 @@ static const char* readOutputFile(Command* command, const char* text, char** sto
     return text + length;
 }
 
-// Reads the arguments, and the output file among them. `store` is free room in the command's storage.
+// Reads the arguments and the output file among them. `store` points to the free part of the command's storage.
 static void readArguments(Command* command, const char* text, char* store) {
     size_t count = 1;
-    bool inMarks = false;
+    bool inQuotes = false;
     bool inArgument = false;
     while (true) {
-        bool redirects = *text == '>' && !inMarks && command->outputFile == nullptr;
-        bool separates = *text == '\0' || redirects || (*text == ' ' && !inMarks);
+        bool redirects = *text == '>' && !inQuotes && command->outputFile == nullptr;
+        bool separates = *text == '\0' || redirects || (*text == ' ' && !inQuotes);
         if (separates && inArgument) {
             *store++ = '\0';
             inArgument = false;
@@ -72,7 +71,7 @@ static void readArguments(Command* command, const char* text, char* store) {
             inArgument = true;
         }
         if (*text == '"') {
-            inMarks = !inMarks;
+            inQuotes = !inQuotes;
         } else if (!separates) {
             *store++ = *text;
         }
@@ -86,16 +85,16 @@ static bool readCommandLine(Command* command, const char* commandLine) {
         return false;
     }
     char line[COMMAND_SIZE];
-    copyWithoutOuterMarks(line, commandLine);
+    copyWithoutOuterQuotes(line, commandLine);
     if (line[0] != '"') {
         return false;
     }
     size_t length = strcspn(line + 1, "\"");
-    const char* behind = line + 1 + length;
+    const char* rest = line + 1 + length;
     command->program = command->storage;
     copyPiece(command->storage, COMMAND_SIZE, line + 1, length);
     command->outputFile = nullptr;
-    readArguments(command, *behind == '"' ? behind + 1 : behind, command->storage + length + 1);
+    readArguments(command, *rest == '"' ? rest + 1 : rest, command->storage + length + 1);
     return true;
 }
 
@@ -109,29 +108,57 @@ static int exitCodeOf(pid_t child) {
     return WIFSIGNALED(status) ? SIGNAL_STATUS_BASE + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-// Starts the program with its standard output on `output`, or on ours when that is -1, and waits for its end.
+// How the child starts. Each step of setting it up can fail.
+struct SpawnSettings {
+    posix_spawn_file_actions_t actions;
+    posix_spawnattr_t attributes;
+};
+
+// Redirects the child's standard output, unless `output` is -1, and restores the signals that startPlatform ignores for
+// us only. Returns 0 or the system's error number.
+static int fillSettings(SpawnSettings* settings, int output) {
+    sigset_t restored;
+    sigemptyset(&restored);
+    sigaddset(&restored, SIGPIPE);
+    sigaddset(&restored, SIGXFSZ);
+    int failure = output < 0 ? 0 : posix_spawn_file_actions_adddup2(&settings->actions, output, STDOUT_FILENO);
+    if (failure == 0) {
+        failure = posix_spawnattr_setsigdefault(&settings->attributes, &restored);
+    }
+    if (failure == 0) {
+        failure = posix_spawnattr_setflags(&settings->attributes, POSIX_SPAWN_SETSIGDEF);
+    }
+    return failure;
+}
+
+// Starts `program`. Returns 0 or the system's error number; nothing runs when a step before the start failed.
+static int spawn(const char* program, Command* command, int output, pid_t* child) {
+    SpawnSettings settings;
+    int failure = posix_spawn_file_actions_init(&settings.actions);
+    if (failure != 0) {
+        return failure;
+    }
+    failure = posix_spawnattr_init(&settings.attributes);
+    if (failure == 0) {
+        failure = fillSettings(&settings, output);
+        if (failure == 0) {
+            failure = posix_spawn(child, program, &settings.actions, &settings.attributes, command->arguments, environ);
+        }
+        posix_spawnattr_destroy(&settings.attributes);
+    }
+    posix_spawn_file_actions_destroy(&settings.actions);
+    return failure;
+}
+
+// Runs the program with its standard output redirected to `output`, or not redirected if that is -1.
 static int startAndWait(Command* command, int output) {
     char program[NATIVE_PATH_SIZE];
     if (!nativePath(command->program, program)) {
         return CANNOT_RUN;
     }
     command->arguments[0] = program;
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    if (output >= 0) {
-        posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
-    }
-    posix_spawnattr_t attributes;
-    posix_spawnattr_init(&attributes);
-    sigset_t defaults;  // what startPlatform ignores for us, the child should not
-    sigemptyset(&defaults);
-    sigaddset(&defaults, SIGPIPE);
-    posix_spawnattr_setsigdefault(&attributes, &defaults);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
     pid_t child = 0;
-    int failure = posix_spawn(&child, program, &actions, &attributes, command->arguments, environ);
-    posix_spawn_file_actions_destroy(&actions);
-    posix_spawnattr_destroy(&attributes);
+    int failure = spawn(program, command, output, &child);
     if (failure != 0) {
         fprintf(stderr, "cannot run %s: %s\n", program, strerror(failure));
         return CANNOT_RUN;
@@ -148,7 +175,7 @@ int runCommand(const char* commandLine) {
         return startAndWait(&command, -1);
     }
     char path[NATIVE_PATH_SIZE];
-    if (!nativePathForWriting(command.outputFile, path)) {
+    if (holdsForbidden(command.outputFile, NOT_IN_PATHS) || !nativePathForWriting(command.outputFile, path)) {
         return CANNOT_RUN;
     }
     int output = open(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);

@@ -1,6 +1,10 @@
-// Registry keys as directories, values as files, below the host directory.
+// Registry keys are directories below the host directory, values are files.
 #include <cstdlib>
+#include <cstring>
 
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "base/text.h"
@@ -55,7 +59,45 @@ int closeRegistryKey(RegistryKey* key) {
     return result;
 }
 
+static bool isDirectory(int parent, const char* name) {
+    struct stat status;
+    return fstatat(parent, name, &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(status.st_mode);
+}
+
+// A key's subkeys are directories, its values the other entries.
+static bool hasSubkeys(DIR* key) {
+    while (const dirent* entry = readdir(key)) {
+        bool isSelfOrParent = strcmp(entry->d_name, ".") == 0 || strcmp(entry->d_name, "..") == 0;
+        if (!isSelfOrParent && isDirectory(dirfd(key), entry->d_name)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+static void deleteValues(const char* directory) {
+    DIR* key = opendir(directory);
+    if (key == nullptr) {
+        return;
+    }
+    if (!hasSubkeys(key)) {
+        rewinddir(key);
+        while (const dirent* value = readdir(key)) {
+            unlinkat(dirfd(key), value->d_name, 0);
+        }
+    }
+    closedir(key);
+}
+
+// A key with subkeys cannot be deleted, and keeps its values.
 int deleteRegistryKey(const char* name) {
     char directory[NATIVE_PATH_SIZE];
-    return keyDirectory(name, directory) ? rmdir(directory) : 1;
+    if (!keyDirectory(name, directory)) {
+        return 1;
+    }
+    if (rmdir(directory) == 0) {
+        return 0;
+    }
+    deleteValues(directory);
+    return rmdir(directory);
 }

@@ -14,7 +14,7 @@
 static constexpr uint32_t DEFAULT_SYSTEM_VERSION = 10;
 
 void startPlatform() {
-    // A file that took the place of a closed standard stream would get what is meant for the stream.
+    // Without this the next opened file would take the number of a closed standard stream, and receive its output.
     int descriptor = open("/dev/null", O_RDWR);
     while (descriptor >= 0 && descriptor <= STDERR_FILENO) {
         descriptor = dup(descriptor);
@@ -23,7 +23,8 @@ void startPlatform() {
         close(descriptor);
     }
     signal(SIGPIPE, SIG_IGN);  // an update goes on when nobody reads its output any more
-    signal(SIGCHLD, SIG_DFL);  // a caller that ignores it would take the utility's exit code from us
+    signal(SIGXFSZ, SIG_IGN);  // and when a log reaches the limit for the size of a file
+    signal(SIGCHLD, SIG_DFL);  // waitpid gets no exit code when the caller of the program ignores this signal
 }
 
 uint32_t systemMajorVersion() {
