@@ -1,5 +1,6 @@
 #include "inventory/utility_runner.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 
@@ -16,34 +17,43 @@ char utilityOutput[UTILITY_OUTPUT_SIZE];
 static constexpr size_t COMMAND_LINE_SIZE = 762;
 static constexpr size_t REPLY_LINE_SIZE = 256;
 
-// Makes the command line. The outer marks belong to the command interpreter, which takes them off; the inner ones keep
-// a path with blanks together. Returns 0 when it does not fit.
-static int makeCommandLine(char* command, const char* args) {
-    if (formatText(command, COMMAND_LINE_SIZE, "\"\"%s%s\" %s > %s\"", binPath, cliUtilName, args, tempFilePath)) {
-        return 1;
-    }
-    printDbg("Command line of the adapter utility is too long, not executed\n");
-    return 0;
+// Makes the command line. cmd.exe strips the outer quotation marks; the inner ones keep a path with blanks together.
+// Returns false when it does not fit.
+static bool makeCommandLine(char* command, const char* args) {
+    return formatText(command, COMMAND_LINE_SIZE, "\"\"%s%s\" %s > %s\"", binPath, cliUtilName, args, tempFilePath);
 }
 
-// Makes sure that what is read behind the run is the run's own: a file that somebody left under the name is removed, or
-// at least emptied. Returns 0 when it can be neither and would be taken for the utility's answer.
-static int discardOldOutput() {
-    if (removeFile(tempFilePath) == 0) {
-        return 1;
+// Makes sure that only this run's output is read afterwards: removes a file that an earlier run or another program left
+// under the name, or at least empties it. Returns false when it can be neither removed nor emptied.
+static bool discardOldOutput() {
+    if (removeFile(tempFilePath) == 0 || errno == ENOENT) {
+        return true;
     }
-    FILE* file = openFile(tempFilePath, OPEN_READ_TEXT);
+    FILE* file = openFile(tempFilePath, OPEN_WRITE);
     if (file == nullptr) {
-        return 1;
+        return false;
     }
     fclose(file);
-    file = openFile(tempFilePath, OPEN_WRITE);
-    if (file == nullptr) {
-        printDbg("An old temp file cannot be removed, utility not executed\n");
-        return 0;
+    return true;
+}
+
+static void reportNotRun(const char* reason) {
+    fprintf(stderr, NOT_RUN_MESSAGE, appName, reason);
+}
+
+// Makes everything ready for a run of the utility. Returns false, after a line for the operator, when it must not run.
+static bool prepareRun(char* command, const char* args) {
+    if (!makeCommandLine(command, args)) {
+        reportNotRun("its command line is too long");
+        return false;
     }
-    fclose(file);
-    return 1;
+    if (!discardOldOutput()) {
+        char reason[WORKING_PATH_SIZE + 64];
+        formatText(reason, sizeof reason, "the old file %s can be neither removed nor emptied", tempFilePath);
+        reportNotRun(reason);
+        return false;
+    }
+    return true;
 }
 
 static void printExecuting(const char* command) {
@@ -62,7 +72,7 @@ static void printComplete(uint16_t status, int tempFileStatus) {
     logPrintf("%s", line);
 }
 
-// Collects whole lines into `outBuf` for as long as they fit, and cuts the last line's end.
+// Collects whole lines in `outBuf` as long as they fit, and cuts the last character, which is a line end.
 static void collectReply(FILE* file, char* outBuf) {
     char line[REPLY_LINE_SIZE];
     size_t used = 0;
@@ -126,7 +136,7 @@ int executeUtilityCommand(const char* args, char* outBuf, uint16_t* returnStatus
     char command[COMMAND_LINE_SIZE];
     outBuf[0] = '\0';
     *returnStatus = 1;
-    if (!makeCommandLine(command, args) || !discardOldOutput()) {
+    if (!prepareRun(command, args)) {
         return TEMP_FILE_NOT_OPENED;
     }
     return executeSystemCommand(command, outBuf, returnStatus);
@@ -136,7 +146,7 @@ int executeUtilityCommandToFile(const char* args, uint16_t* returnStatus) {
     char command[COMMAND_LINE_SIZE];
     utilityOutput[0] = '\0';
     *returnStatus = 1;
-    if (!makeCommandLine(command, args) || !discardOldOutput()) {
+    if (!prepareRun(command, args)) {
         return TEMP_FILE_NOT_OPENED;
     }
     return executeSystemCommandToFile(command, returnStatus);
@@ -177,7 +187,7 @@ int getBufferDataFromTempFile(char* buffer, uint32_t count) {
     size_t length = readText(file, buffer, static_cast<size_t>(count) + 1);
     bool broken = ferror(file) != 0;
     fclose(file);
-    if (broken) {  // half a port would be taken for a whole one
+    if (broken) {  // the last port could be half a port
         return TEMP_TEXT_FAILED;
     }
     if (length > 0) {

@@ -14,21 +14,22 @@ struct LocalTime {
     int hour, minute, second, millisecond;
 };
 
-// Makes the run safe from how it was started, before anything is written: standard streams that are closed, a reader
-// of the output that goes away, a caller that does not wait for its children.
+// Call first, before anything is written. Protects the run from the way it was started (closed standard streams, a caller
+// that ignores its children, no COMSPEC) and from what would stop it on the way (a reader of its output that ends, a file
+// size limit, a window about an empty drive).
 void startPlatform();
 
 uint32_t systemMajorVersion();
 uint32_t processNumber();
 int localTime(LocalTime* now);
 
-// The running program's own path, cut to `size`. Returns its length, 0 when it is not to be had.
+// The path of the running program, cut to `size`. Returns its length, 0 when the system does not tell it.
 size_t programPath(char* out, size_t size);
 
 // `name` made absolute, cut to `size`. Returns its length, 0 when there is none.
 size_t fullPath(const char* name, char* out, size_t size);
 
-// The environment's TEMP and SYSTEMDRIVE, or what stands for them when they are not set. Never null.
+// The environment variables TEMP and SYSTEMDRIVE, or a default when they are not set. Never null.
 const char* tempDirectory();
 const char* systemDrive();
 
@@ -38,6 +39,8 @@ enum OpenMode { OPEN_READ_TEXT, OPEN_READ_BINARY, OPEN_APPEND, OPEN_WRITE };
 
 // Returns null when the file cannot be opened; a directory cannot. Append and write create it, write empties it.
 FILE* openFile(const char* path, OpenMode mode);
+
+// Returns 0, or -1 with errno set: ENOENT only when there is no such file.
 int removeFile(const char* path);
 
 // Both read a file of OPEN_READ_TEXT, in which CR LF counts as one LF. readText reads up to `size` characters and
@@ -54,8 +57,8 @@ struct DirectoryEntry {
     bool isDirectory;
 };
 
-// Opens a search and gives its first entry. The last part of `path` may hold the wildcards * and ?. Returns null when
-// nothing is found. The caller closes it.
+// Opens a search and sets its first entry. The last part of `path` may hold the wildcards * and ?. Leaves out entries whose
+// name no file on Windows can have. Returns null when nothing is found. The caller closes the search.
 DirectorySearch* openDirectorySearch(const char* path, DirectoryEntry* first);
 bool nextDirectoryEntry(DirectorySearch* search, DirectoryEntry* entry);
 void closeDirectorySearch(DirectorySearch* search);
@@ -63,9 +66,13 @@ void closeDirectorySearch(DirectorySearch* search);
 // The child process.
 
 // Runs a command line of the form ""program" arguments > file" and waits for its end, without a limit. Returns the
-// program's exit code; for a program that cannot be started, or a file that cannot be opened, what the system's command
-// interpreter gives, so that only the file tells success from failure.
+// program's exit code. When the program cannot be started, or the file cannot be opened, or Windows could read more than
+// one command in the line, returns what the system's command interpreter returns; only the file tells success from
+// failure.
 int runCommand(const char* commandLine);
+
+// The line on standard error for a run that was refused. Takes the program's name and the reason.
+inline constexpr char NOT_RUN_MESSAGE[] = "%s: the adapter utility was not run: %s\n";
 
 // Registry keys below HKEY_LOCAL_MACHINE.
 
