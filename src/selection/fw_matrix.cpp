@@ -58,8 +58,9 @@ void printFwMatrixMatch(const HbaRecord* hba, const char* matrixType) {
     printDbg("FW Matrix Type = %s\n", matrixType);
 }
 
-// Every scan starts here. Returns true when the table stands at its start.
+// Starts a scan at the start of the table, without the error of an earlier scan. Returns false when that fails.
 static bool startScan() {
+    clearerr(gFwMatrixFile);
     if (fseek(gFwMatrixFile, 0, SEEK_SET) == 0) {
         return true;
     }
@@ -67,8 +68,13 @@ static bool startScan() {
     return false;
 }
 
-// The entry check reads its token from the very first column, up to the first byte that is no printable ASCII
-// character: other than the match scan it takes no leading blanks.
+// Reads the next line. Returns false at the end of the table, and at a read error, whose line may be a part of one.
+static bool nextLine(char line[MATRIX_LINE_SIZE]) {
+    return readTextLine(gFwMatrixFile, line, MATRIX_LINE_SIZE) && ferror(gFwMatrixFile) == 0;
+}
+
+// The token of the entry check starts in the very first column and ends before the first byte that is not a printable
+// ASCII character: unlike the match scan it does not skip leading blanks.
 static size_t checkedTokenLength(const char* line) {
     size_t length = 0;
     while (static_cast<signed char>(line[length]) > 0x20) {
@@ -88,7 +94,7 @@ void verifyFWmatrixEntries() {
     char line[MATRIX_LINE_SIZE];
     char token[MATRIX_TOKEN_SIZE];
     char shortCode[SHORT_CODE_SIZE];
-    while (readTextLine(gFwMatrixFile, line, sizeof line)) {
+    while (nextLine(line)) {
         if (line[0] == COMMENT) {
             continue;
         }
@@ -105,8 +111,8 @@ void verifyFWmatrixEntries() {
     }
 }
 
-// Takes the next token of a line into `out`, or what stands for one that is absent or too long. Returns what is behind.
-static const char* takeToken(const char* line, char out[MATRIX_TOKEN_SIZE]) {
+// Copies the next token of a line, or the word for one that is absent or too long. Returns the rest of the line.
+static const char* copyToken(const char* line, char out[MATRIX_TOKEN_SIZE]) {
     line += strspn(line, SEPARATORS);
     size_t length = strcspn(line, SEPARATORS);
     if (length == 0) {
@@ -119,14 +125,19 @@ static const char* takeToken(const char* line, char out[MATRIX_TOKEN_SIZE]) {
     return line + length;
 }
 
-// Reads one line of the match scan. Returns true when it is an entry for the port.
+static void printFiles(const char* fwFile, const char* bcFile) {
+    printDbg("fwmatrixFwFile = %s\n", fwFile);
+    printDbg("fwmatrixBcFile = %s\n", bcFile);
+}
+
+// Reads one line of the match scan. Returns true and sets both files when it is an entry for the port.
 static bool matchLine(const HbaRecord* hba, const char* line, char* fwFile, char* bcFile) {
     char matrixType[MATRIX_TOKEN_SIZE];
     line += strspn(line, SEPARATORS);
     if (*line == '\0' || *line == COMMENT) {
         return false;
     }
-    line = takeToken(line, matrixType);
+    line = copyToken(line, matrixType);
     if (!isGrpAdapter(hba)) {
         matrixType[strcspn(matrixType, "-")] = '\0';
     }
@@ -135,14 +146,13 @@ static bool matchLine(const HbaRecord* hba, const char* line, char* fwFile, char
     }
     printFwMatrixMatch(hba, matrixType);
     runCounters.knownHbaCount++;
-    line = takeToken(line, fwFile);
+    line = copyToken(line, fwFile);
     if (isGrpAdapter(hba)) {
         copyText(bcFile, MATRIX_TOKEN_SIZE, WORD_NONE);
     } else {
-        takeToken(line, bcFile);
+        copyToken(line, bcFile);
     }
-    printDbg("fwmatrixFwFile = %s\n", fwFile);
-    printDbg("fwmatrixBcFile = %s\n", bcFile);
+    printFiles(fwFile, bcFile);
     return true;
 }
 
@@ -155,13 +165,16 @@ int getFwMatrixMatch(const HbaRecord* hba, char* fwFile, char* bcFile) {
     }
     int found = 0;
     char line[MATRIX_LINE_SIZE];
-    while (readTextLine(gFwMatrixFile, line, sizeof line)) {
+    while (nextLine(line)) {
         if (matchLine(hba, line, fwFile, bcFile)) {
             found = 1;
         }
     }
-    if (ferror(gFwMatrixFile) != 0) {  // the last line of a model counts, and it may be among those that were not read
-        found = 0;
+    if (ferror(gFwMatrixFile) != 0) {  // the last line for a model counts, and it may be one that was not read
+        copyText(fwFile, MATRIX_TOKEN_SIZE, WORD_INVALID_FILE);
+        copyText(bcFile, MATRIX_TOKEN_SIZE, WORD_NONE);
+        printFiles(fwFile, bcFile);
+        return 1;
     }
     if (!found) {
         printDbg("No match found!\n");
