@@ -2,9 +2,9 @@
 
 #include <cstdio>
 #include <cstring>
-#include <iterator>
 
 #include "base/text.h"
+#include "download/download_reply.h"
 #include "inventory/utility_runner.h"
 #include "output/output.h"
 #include "platform/platform.h"
@@ -21,63 +21,6 @@ static constexpr char DOWNLOAD_TWICE_TEXT[] =
     "This special firmware release requires the firmware download process to be\n"
     "performed twice. You must reboot the system and download the same firmware\n"
     "file again to complete the download process.\n";
-
-static constexpr int ANY_EXIT_STATUS = -1;
-
-// What a reply of the utility means. Its text decides between success and failure, the exit status decides which kind.
-struct ReplyMeaning {
-    bool noError;  // the reply holds "NO Error"
-    int exitStatus;
-    BoardResult boardResult;
-    PortOutcome outcome;
-    uint16_t RunCounters::*boardCounter;  // counted for ports of a .grp family; null for none
-};
-
-// The ANY_EXIT_STATUS row matches every other exit status and must be the last row of its half.
-static constexpr ReplyMeaning replyMeanings[] = {
-    {true, 80, BOARD_REBOOT_REQUIRED, OUTCOME_REBOOT_REQUIRED, nullptr},
-    {true, 87, BOARD_DOWNLOAD_TWICE, OUTCOME_DOWNLOAD_TWICE, &RunCounters::twiceCount},
-    {true, 96, BOARD_ACTIVATED, OUTCOME_ACTIVATED, &RunCounters::boardNoRebootCount},
-    {true, ANY_EXIT_STATUS, BOARD_DOWNLOADED, OUTCOME_SUCCEEDED, &RunCounters::boardNoRebootCount},
-    {false, 89, BOARD_FAILED, OUTCOME_NO_SIGNATURE, &RunCounters::boardFailCount},
-    {false, 90, BOARD_FAILED, OUTCOME_INVALID_SIGNATURE, &RunCounters::boardFailCount},
-    {false, 92, BOARD_FAILED, OUTCOME_NOT_FOR_BOARD_MODEL, &RunCounters::boardFailCount},
-    {false, 98, BOARD_FAILED, OUTCOME_PROHIBITED, &RunCounters::boardFailCount},
-    {false, 70, BOARD_FAILED, OUTCOME_INCOMPATIBLE_IMAGE, &RunCounters::boardFailCount},
-    {false, 103, BOARD_FAILED, OUTCOME_INCOMPATIBLE_FLASH_PART, &RunCounters::boardFailCount},
-    {false, 104, BOARD_FAILED, OUTCOME_WRONG_ASIC_VERSION, &RunCounters::boardFailCount},
-    {false, 105, BOARD_FAILED, OUTCOME_INCOMPATIBLE_OBJECT_GENERAL, &RunCounters::boardFailCount},
-    {false, 106, BOARD_FAILED, OUTCOME_INCOMPATIBLE_OBJECT, &RunCounters::boardFailCount},
-    {false, 107, BOARD_FAILED, OUTCOME_INVALID_FILE_LENGTH, &RunCounters::boardFailCount},
-    {false, ANY_EXIT_STATUS, BOARD_FAILED, OUTCOME_FAILED, &RunCounters::boardFailCount},
-};
-
-static const ReplyMeaning& meaningOfReply(bool noError, int exitStatus) {
-    for (const ReplyMeaning& row : replyMeanings) {
-        if (row.noError == noError && (row.exitStatus == exitStatus || row.exitStatus == ANY_EXIT_STATUS)) {
-            return row;
-        }
-    }
-    return replyMeanings[std::size(replyMeanings) - 1];
-}
-static_assert(!replyMeanings[std::size(replyMeanings) - 1].noError &&
-                  replyMeanings[std::size(replyMeanings) - 1].exitStatus == ANY_EXIT_STATUS,
-              "the last row is a failure of any kind");
-
-// What a later port of a board reports, by the board's result. The last row matches every other result.
-struct InheritedResult {
-    BoardResult boardResult;
-    PortOutcome outcome;
-    bool succeeded;
-};
-
-static constexpr InheritedResult inheritedResults[] = {
-    {BOARD_DOWNLOADED, OUTCOME_SUCCEEDED, true},
-    {BOARD_REBOOT_REQUIRED, OUTCOME_REBOOT_REQUIRED, true},
-    {BOARD_DOWNLOAD_TWICE, OUTCOME_DOWNLOAD_TWICE, true},
-    {BOARD_ACTIVATED, OUTCOME_ACTIVATED, true},
-    {BOARD_FAILED, OUTCOME_FAILED, false},
-};
 
 void makeDownloadCommand(const HbaRecord* hba, const char* filename, char* out) {
     formatText(out, DOWNLOAD_COMMAND_SIZE, "download n=%d i=\"%s%s\"", hba->adapterNumber, firmwarePath, filename);
@@ -205,25 +148,6 @@ static int downloadForBoard(HbaRecord* hba, const CLUImage* image) {
     return result;
 }
 
-static bool isOwnFailure(uint8_t outcome) {
-    for (const ReplyMeaning& row : replyMeanings) {
-        if (!row.noError && row.exitStatus != ANY_EXIT_STATUS && row.outcome == outcome) {
-            return true;
-        }
-    }
-    return false;
-}
-
-static const InheritedResult& inheritedResult(uint32_t downloadStat) {
-    for (const InheritedResult& row : inheritedResults) {
-        if (row.boardResult == downloadStat) {
-            return row;
-        }
-    }
-    return inheritedResults[std::size(inheritedResults) - 1];
-}
-static_assert(!inheritedResults[std::size(inheritedResults) - 1].succeeded, "an unknown result is a failure");
-
 static uint8_t inheritedOutcome(const HbaRecord* hba, const InheritedResult& inherited) {
     if (runOptions.preview && inherited.boardResult == BOARD_DOWNLOADED) {
         return OUTCOME_PREVIEW_SUCCEEDED;
@@ -231,7 +155,7 @@ static uint8_t inheritedOutcome(const HbaRecord* hba, const InheritedResult& inh
     if (runOptions.preview && !inherited.succeeded) {
         return OUTCOME_PREVIEW_FAILED;
     }
-    if (!inherited.succeeded && isOwnFailure(hba->fwDownloadStatus)) {
+    if (!inherited.succeeded && isNamedFailure(hba->fwDownloadStatus)) {
         return hba->fwDownloadStatus;
     }
     return inherited.outcome;

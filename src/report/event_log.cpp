@@ -25,21 +25,34 @@ static constexpr size_t MOST_STRINGS = 8;
 struct EventForm {
     EventType type;
     uint32_t event;
-    uint32_t eventWithNote;
-    EventText order[MOST_STRINGS];  // ended by TEXT_END; the note follows where there is one
+    uint32_t eventWithNote;         // the event's number when the note on secure firmware is its last text
+    EventText order[MOST_STRINGS];  // ended by TEXT_END; the note, if any, follows
 };
 
 static constexpr EventForm noImageForm = {
-    EVENT_TYPE_ERROR, 0xC0000A09, 0xC0000A10, {TEXT_VERSION, TEXT_WWN, TEXT_STATUS, TEXT_REASON}};
+    .type = EVENT_TYPE_ERROR,
+    .event = 0xC0000A09,
+    .eventWithNote = 0xC0000A10,
+    .order = {TEXT_VERSION, TEXT_WWN, TEXT_STATUS, TEXT_REASON},
+};
 static constexpr EventForm imageFileForm = {
-    EVENT_TYPE_ERROR, 0xC0000A12, 0xC0000A13, {TEXT_VERSION, TEXT_WWN, TEXT_FILE, TEXT_STATUS, TEXT_REASON}};
+    .type = EVENT_TYPE_ERROR,
+    .event = 0xC0000A12,
+    .eventWithNote = 0xC0000A13,
+    .order = {TEXT_VERSION, TEXT_WWN, TEXT_FILE, TEXT_STATUS, TEXT_REASON},
+};
 static constexpr EventForm noCompatibleImageForm = {
-    EVENT_TYPE_INFORMATION, 0x40000A15, 0x40000A16, {TEXT_KIND, TEXT_VERSION, TEXT_WWN, TEXT_STATUS, TEXT_REASON}};
+    .type = EVENT_TYPE_INFORMATION,
+    .event = 0x40000A15,
+    .eventWithNote = 0x40000A16,
+    .order = {TEXT_KIND, TEXT_VERSION, TEXT_WWN, TEXT_STATUS, TEXT_REASON},
+};
 static constexpr EventForm notRequiredForm = {
-    EVENT_TYPE_INFORMATION,
-    0x40000A07,
-    0x40000A08,
-    {TEXT_KIND, TEXT_VERSION, TEXT_WWN, TEXT_KIND, TEXT_FILE, TEXT_STATUS, TEXT_REASON}};
+    .type = EVENT_TYPE_INFORMATION,
+    .event = 0x40000A07,
+    .eventWithNote = 0x40000A08,
+    .order = {TEXT_KIND, TEXT_VERSION, TEXT_WWN, TEXT_KIND, TEXT_FILE, TEXT_STATUS, TEXT_REASON},
+};
 
 struct EventFacts {
     const char* portWwn;

@@ -32,16 +32,36 @@ struct ImageFailure {
     const char* message;
 };
 
-static constexpr ImageFailure noEntryFile = {OUTCOME_NO_MATRIX_IMAGE, EVENT_NO_IMAGE,
-                                             "fwmatrix.txt firmware image entry not found.", "No firmware entry found"};
-static constexpr ImageFailure invalidEntry = {OUTCOME_INVALID_MATRIX_IMAGE, EVENT_NO_IMAGE,
-                                              "Invalid fwmatrix.txt firmware entry.", "Invalid firmware entry found"};
-static constexpr ImageFailure unreadableFile = {OUTCOME_IMAGE_NOT_OPENED, EVENT_IMAGE_FILE,
-                                                "Unable to open firmware file.", "Error - reading firmware image"};
-static constexpr ImageFailure shortFile = {OUTCOME_INVALID_FIRMWARE_FILE, EVENT_IMAGE_FILE, "Invalid firmware file.",
-                                           "Error - invalid firmware file found"};
-static constexpr ImageFailure otherFile = {OUTCOME_IMAGE_NOT_OPENED, EVENT_IMAGE_FILE, "Unable to open firmware file.",
-                                           "Error - invalid firmware file found"};
+static constexpr ImageFailure noEntryFile = {
+    .outcome = OUTCOME_NO_MATRIX_IMAGE,
+    .eventKind = EVENT_NO_IMAGE,
+    .reason = "fwmatrix.txt firmware image entry not found.",
+    .message = "No firmware entry found",
+};
+static constexpr ImageFailure invalidEntry = {
+    .outcome = OUTCOME_INVALID_MATRIX_IMAGE,
+    .eventKind = EVENT_NO_IMAGE,
+    .reason = "Invalid fwmatrix.txt firmware entry.",
+    .message = "Invalid firmware entry found",
+};
+static constexpr ImageFailure unreadableFile = {
+    .outcome = OUTCOME_IMAGE_NOT_OPENED,
+    .eventKind = EVENT_IMAGE_FILE,
+    .reason = "Unable to open firmware file.",
+    .message = "Error - reading firmware image",
+};
+static constexpr ImageFailure shortFile = {
+    .outcome = OUTCOME_INVALID_FIRMWARE_FILE,
+    .eventKind = EVENT_IMAGE_FILE,
+    .reason = "Invalid firmware file.",
+    .message = "Error - invalid firmware file found",
+};
+static constexpr ImageFailure otherFile = {
+    .outcome = OUTCOME_IMAGE_NOT_OPENED,
+    .eventKind = EVENT_IMAGE_FILE,
+    .reason = "Unable to open firmware file.",
+    .message = "Error - invalid firmware file found",
+};
 
 void setNotRequiredReason(const char** reason) {
     *reason = selectedOperation().notRequired;
