@@ -16,6 +16,7 @@
 #include "csv.h"
 #include "exit_codes.h"
 #include "page.h"
+#include "plan/plan.h"
 #include "status.h"
 #include "text.h"
 #include "version.h"
@@ -33,6 +34,7 @@ struct Command {
 
 // In the order in which people need them.
 constexpr Command commands[] = {
+    {"plan", "what a roll-out would do, by saved listings of the adapters", PLAN_HELP, runPlan},
     {"status", "all servers, the worst first, with reasons and totals", STATUS_HELP, runStatus},
     {"page", "the same as a page for a browser", PAGE_HELP, runPage},
     {"csv", "one row for each port, for spreadsheets and scripts", CSV_HELP, runCsv},

@@ -1,11 +1,11 @@
 #include "help_text.h"
 
+#include "identity.h"
 #include "script.h"
 
 namespace simulator {
 
-static constexpr std::string_view usage =
-    R"(winhbcfg.exe - an adapter utility for rehearsals: its adapters are a text file
+static constexpr std::string_view usage = "winhbcfg.exe - " SIMULATED_UTILITY_MARK R"(
 
 Calls:
     winhbcfg.exe listattr           list the adapters, with the models' display names
