@@ -40,9 +40,10 @@ public:
     ~ProcessWatch();
     ProcessWatch(const ProcessWatch&) = delete;
     ProcessWatch& operator=(const ProcessWatch&) = delete;
-
-    [[nodiscard]] bool interrupted() const;
 };
+
+// Whether the user has interrupted since the ProcessWatch was made.
+bool userInterrupted();
 
 // Starts a child. On false the problem says why. A ProcessWatch must exist.
 bool startChild(const ChildOrder& order, Child& child, std::string& problem);

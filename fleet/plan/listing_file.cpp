@@ -24,9 +24,8 @@ static bool refuse(std::string& reason, std::string text) {
     return false;
 }
 
-static std::string quoted(std::string_view line) {
-    std::string text = "'";
-    return text.append(cutText(shownText(line), LONGEST_QUOTE)).append("'");
+static std::string shownLine(std::string_view line) {
+    return cutText(shownText(trimmed(line)), LONGEST_QUOTE);
 }
 
 static bool isControl(char c) {
@@ -60,15 +59,15 @@ static std::string faultOfAnyLine(std::string_view line) {
 static std::string faultOfBanner(std::string_view line) {
     const bool isOfAPort =
         hasColon(line) && std::find(keysOfAPort.begin(), keysOfAPort.end(), keyOf(line)) != keysOfAPort.end();
-    return isOfAPort ? "is before the first 'HBA: NUMBER': " + quoted(line) : "";
+    return isOfAPort ? "is before the first 'HBA: NUMBER': " + shownLine(line) : "";
 }
 
 static std::string faultOfPortLine(std::string_view line) {
     if (isPortStart(line) && !hasPortNumber(line)) {
-        return "has no port's number after 'HBA:': " + quoted(line);
+        return "has no port's number after 'HBA:': " + shownLine(line);
     }
     const bool isOther = !trimmed(line).empty() && (!hasColon(line) || keyOf(line).empty());
-    return isOther ? "is not 'Key: value': " + quoted(line) : "";
+    return isOther ? "is not 'Key: value': " + shownLine(line) : "";
 }
 
 // Appends the line to the listing once the first port has begun. Returns what is wrong with it, or nothing.
@@ -102,7 +101,7 @@ bool fleet::readListing(std::string_view text, std::string& listing, std::string
     }
     if (listing.empty()) {
         std::string_view start = trimmed(text);
-        return refuse(reason, "the listing has no line 'HBA: NUMBER'; it begins with " + quoted(takeLine(start)));
+        return refuse(reason, "the listing has no line 'HBA: NUMBER'; it begins with: " + shownLine(takeLine(start)));
     }
     return true;
 }

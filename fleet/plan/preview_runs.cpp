@@ -144,7 +144,7 @@ void Previews::startServer(Worker& worker, size_t server) {
 
 void Previews::startFreeWorkers() {
     for (Worker& worker : workers) {
-        while (!worker.busy && next < order.servers.size() && result.problem.empty() && !watch.interrupted()) {
+        while (!worker.busy && next < order.servers.size() && result.problem.empty() && !userInterrupted()) {
             startServer(worker, next++);
         }
     }
@@ -206,7 +206,7 @@ PlanResult Previews::run() {
     while (goesOn) {
         startFreeWorkers();
         waitForAnEnd();
-        if (watch.interrupted()) {
+        if (userInterrupted()) {
             stop("interrupted");
         }
         for (Worker& worker : workers) {

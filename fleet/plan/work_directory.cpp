@@ -41,7 +41,7 @@ bool WorkDirectory::make(std::string& problem) {
         if (!directory.empty()) {
             return true;
         }
-        reasons += "; " + text + ": " + reason;
+        reasons.append("; ").append(text).append(": ").append(reason);
     }
     problem = "no temporary directory can be used" + reasons;
     return false;

@@ -58,7 +58,7 @@ ProcessWatch::~ProcessWatch() {
     close(wakePipe[1]);
 }
 
-bool ProcessWatch::interrupted() const {
+bool fleet::userInterrupted() {
     return interruption != 0;
 }
 
@@ -66,7 +66,7 @@ bool ProcessWatch::interrupted() const {
 static std::vector<std::string> environmentOf(const ChildOrder& order) {
     std::vector<std::string> texts;
     for (const auto& [name, value] : order.environment) {
-        texts.push_back(name + "=" + value);
+        texts.emplace_back(name).append("=").append(value);
     }
     const size_t own = texts.size();
     for (char** variable = environ; *variable != nullptr; variable++) {
@@ -85,6 +85,7 @@ static std::vector<std::string> environmentOf(const ChildOrder& order) {
 
 static std::vector<char*> pointersTo(std::vector<std::string>& texts) {
     std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
     for (std::string& text : texts) {
         pointers.push_back(text.data());
     }

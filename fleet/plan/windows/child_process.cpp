@@ -40,7 +40,7 @@ ProcessWatch::~ProcessWatch() {
     SetConsoleCtrlHandler(noteControl, FALSE);
 }
 
-bool ProcessWatch::interrupted() const {
+bool fleet::userInterrupted() {
     return WaitForSingleObject(interruption, 0) == WAIT_OBJECT_0;
 }
 
