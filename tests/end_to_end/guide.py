@@ -12,12 +12,24 @@ from machine import BIN, TOP, WINDOWS, Machine, MachineTest, spelled, wine
 
 GUIDE = TOP / "docs/operator-guide.md"
 SOURCES = "".join(file.read_text() for file in sorted((TOP / "src").rglob("*.[ch]*")))
-PROMPT = r"(?:C:\\Tarnlift> |\$ )"  # "$ " is a Linux shell
+PROMPT = r"(?:C:\\(?:Tarnlift|Rollout)> |\$ )"  # a server, the administrator's computer, a Linux shell
 # A step is a file, "`NAME`:" and its code block, or a command and its output. [...] in an output stands for any text.
-FILE_STEP = r"^`(?P<file>[\w.-]+)`:\n\n```\w+\n(?P<content>(?:(?!```).*\n)*)"
+FILE_STEP = r"^`(?P<file>[\w.\\-]+)`:\n\n```\w+\n(?P<content>(?:(?!```).*\n)*)"
 COMMAND_STEP = rf"^(?P<prompt>{PROMPT})(?P<command>.*)\n(?P<shown>(?:(?!{PROMPT}|```).*\n)*)"
 ELISION = "[...]"
 os.environ.update(PATH=".:" + os.environ["PATH"], TARNLIFT_HOST="host", TEMP=r"C:\temp")
+
+
+def with_slashes(path):
+    return path.replace("\\", "/")
+
+
+def for_linux(command):
+    """A command of cmd.exe for a Linux shell. Only Tarnlift itself understands a path with backslashes there."""
+    command, *redirection = command.split(" > ")
+    is_tarnlift = command.startswith("tarnlift.exe")
+    command = command.replace("\\", "\\\\") if is_tarnlift else with_slashes(command)
+    return " > ".join(["type() { cat $1; }\n" + command, *map(with_slashes, redirection)])
 
 
 def matches(shown, output):
@@ -42,7 +54,8 @@ class Guide(MachineTest):
         self.place = self.machine(images=[(int(family), version, name) for name, version, family in images]).path
         os.chdir(self.place)
         os.system(f"mkdir -p host/drives/c/temp; cp '{TOP}'/simulator/adapters.sample.txt adapters.txt; "
-                  f"cp '{TOP}'/share/fwmatrix.sample.txt fwmatrix.txt; cp '{BIN}'/mkgrp* '{TOP}'/share/examples/*.cmd .")
+                  f"cp '{TOP}'/share/fwmatrix.sample.txt fwmatrix.txt; cp '{BIN}'/mkgrp* '{TOP}'/share/examples/*.cmd .;"
+                  f"cp '{BIN}'/tarnfleet* tarnfleet.exe")
 
     def run_chapter(self, chapter):
         """The chapter as it would be if it showed what its commands print."""
@@ -51,24 +64,28 @@ class Guide(MachineTest):
 
     def run_step(self, step):
         if step["file"]:
-            (self.place / step["file"]).write_text(step["content"])
+            file = self.place / with_slashes(step["file"])
+            file.parent.mkdir(exist_ok=True)
+            file.write_text(step["content"])
             return step[0]
         linux_only = step["prompt"] == "$ "
         windows_only = ".cmd" in step["command"]
         if linux_only and WINDOWS or windows_only and not WINDOWS:
             return step[0]
-        shown, output = step["shown"].strip("\n"), self.run_command(step["command"])
+        shown, output = step["shown"].strip("\n"), self.run_command(step["prompt"], step["command"])
         if matches(shown, output):
             return step[0]
         lines = with_elisions(shown.split("\n"), output.split("\n"))
         line_ends = re.search("\n*$", step["shown"])[0] or "\n"
         return step["prompt"] + "\n".join([step["command"], *lines]) + line_ends
 
-    def run_command(self, command):
-        text = re.sub("%ERRORLEVEL%", lambda _: str(self.done.returncode), command).replace("\\", "\\\\")
-        on_linux = ["sh", "-c", "type() { cat $1; }\n" + text]
-        self.done = wine(*["cmd", "/c", "set", "COMPUTERNAME=SERVER01&&", *text.split()] if WINDOWS else on_linux)
-        output = Machine.text(self.done.stdout).strip("\n").replace(spelled(self.place), r"C:\Tarnlift")
+    def run_command(self, prompt, command):
+        command = re.sub("%ERRORLEVEL%", lambda _: str(self.done.returncode), command)
+        if WINDOWS:
+            self.done = wine("cmd", "/c", "set", "COMPUTERNAME=SERVER01&&", *command.split())
+        else:
+            self.done = wine("sh", "-c", command if prompt == "$ " else for_linux(command))
+        output = Machine.text(self.done.stdout).strip("\n").replace(spelled(self.place), prompt.rstrip("> "))
         output = output.replace(str(self.place), "~").replace("TIME", "Sun Nov 22 22:19:06 2026")
         return re.sub(r"(?m)^\([\d:.]+\) \(\d+\)", "(22:19:06.017) (4312)", output)
 
