@@ -1,7 +1,8 @@
 // The table of servers. Its rows are in blocks that the browser lays out only when they come into view. The first
 // blocks are filled at once, the others while the browser is idle: all rows are there for the browser's own search.
 
-const BLOCK = 50;
+const BLOCK = 50; // rows
+const SLICE = 10; // milliseconds of filling before the reader's next action can be handled
 const table = find("servers");
 
 const PORT_COLUMNS = [
@@ -47,7 +48,7 @@ function portsRow(server) {
   } else if (others) {
     content.append(make("p", {}, `${counted(others, "other port")} ${others === 1 ? "does" : "do"} not match.`));
   }
-  return make("tr", { role: "row", class: "inside", id: `ports-${server.place}` }, content);
+  return make("tr", { role: "row", class: "inside", id: `ports-${inNameOrder.indexOf(server)}` }, content);
 }
 
 function reportTime(server) {
@@ -118,8 +119,11 @@ function fill({ body, servers }) {
 }
 
 function fillWaiting() {
-  if (waitingBlocks.length) {
+  const end = performance.now() + SLICE;
+  while (waitingBlocks.length && performance.now() < end) {
     fill(waitingBlocks.shift());
+  }
+  if (waitingBlocks.length) {
     setTimeout(fillWaiting);
   }
 }
@@ -137,9 +141,9 @@ function drawList() {
     body.style.setProperty("--rows", servers.length);
     blocks.push({ body, servers });
   }
-  blocks.slice(0, 2).forEach(fill);
+  blocks.slice(0, 1).forEach(fill);
   const isIdle = waitingBlocks.length === 0;
-  waitingBlocks = blocks.slice(2);
+  waitingBlocks = blocks.slice(1);
   if (isIdle) {
     setTimeout(fillWaiting);
   }

@@ -85,4 +85,7 @@ if (fleet.servers.length === 1 && !location.hash) {
   draw();
 }
 // The texts that a search needs take a moment: better now than at the first letter.
-setTimeout(() => allPorts.forEach(textOfPort), 500);
+setTimeout(() => {
+  fleet.servers.forEach(textOfServer);
+  allPorts.forEach(textOfPort);
+}, 500);
