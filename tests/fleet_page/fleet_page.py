@@ -12,6 +12,7 @@ sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "tarnfleet"))
 from report_files import (FAILED, NO_LINE, NOT_NEEDED, PREVIEWED, REBOOT, SUCCEEDED, Port, execution, inventory,
                           write_server)
 from browser import Browser
+from cases import CASES, write_cases
 from selenium.webdriver.common.keys import Keys
 
 os.environ["TZ"] = "UTC"  # the browser shows local times
@@ -105,6 +106,19 @@ class Page(unittest.TestCase):
             "QVb6101 14.4.1.1 0 1"])
         self.assertIn("1 more than a day older than the newest", self.browser.texts("#facts")[0])
         self.assertFalse(self.browser.one("#preview").is_displayed())
+
+    def test_gives_the_same_states_as_the_other_commands(self):
+        write_cases(self.directory)
+        self.show()
+        self.press("Open all")
+        ranks = [row.get_attribute("class") for row in self.browser.all("#states li")]
+        states = self.browser.run("""
+            const statesIn = element => Array.from(element?.querySelectorAll(".word") ?? [], word => word.classList[1]);
+            return Object.fromEntries(Array.from(document.querySelectorAll(".server"), row =>
+                [row.cells[0].textContent, [...statesIn(row), ...statesIn(row.nextElementSibling)]]))""")
+        for case in CASES:
+            self.assertEqual(states.pop(case.name), [case.state, *sorted(case.port_states, key=ranks.index)], case.name)
+        self.assertEqual(states, {})
 
     def test_opens_a_server_to_show_its_ports(self):
         self.show_fleet()
