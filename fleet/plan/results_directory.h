@@ -11,7 +11,7 @@ namespace fleet {
 
 class ResultsDirectory {
 public:
-    // Accepts a directory that is new, that holds no results, or that holds those of an earlier plan and nothing later.
+    // Accepts a directory that is new, that holds no results, or that holds those of an earlier plan and no others.
     // Changes nothing yet. On false the problem says what is in the way.
     bool open(const std::filesystem::path& path, std::string& problem);
 
@@ -20,7 +20,7 @@ public:
     bool publish(const std::filesystem::path& server, std::string_view extension, std::string_view content,
                  std::string& problem);
 
-    // Marks what is there as the results of a plan.
+    // Marks what was published as the results of a plan. To be called last.
     bool close(std::string& problem);
 
 private:
@@ -28,6 +28,7 @@ private:
 
     std::filesystem::path directory;
     std::vector<std::filesystem::path> earlierResults;
+    std::string mark;  // what the mark will hold
     bool begun = false;
 };
 
