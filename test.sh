@@ -42,7 +42,6 @@ stage_windows() {
 # A few seconds of each fuzz target.
 stage_fuzz() {
     tools/setup.sh fuzz
-    build fuzz
     tools/fuzz.sh 3
 }
 

@@ -1,23 +1,34 @@
 #!/usr/bin/env bash
-# Feeds the program what nobody would send it, and looks at what every run must keep to.
-# Usage: tools/fuzz.sh SECONDS [TARGET]   for each target, two at a time; all directories of tests/fuzz/seeds without one
-# An input that breaks something is left in build/fuzz/, as are the inputs that were found to be worth keeping. To look
-# at one again: build/fuzz/bin/fuzz_TARGET FILE. One that has been mended belongs into the seeds.
+# Fuzzes the program: runs it on made inputs, and checks the rules that every run must keep.
+# Usage: tools/fuzz.sh SECONDS [TARGET ...]   for each target, as many at a time as there are cores; without one, all
+# An input that breaks a rule is left in build/fuzz/, and the inputs that are worth keeping are in build/fuzz/found/. To run
+# one again: build/fuzz/bin/fuzz_TARGET FILE. Add fixed findings to the seeds.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 export seconds=${1:?how many seconds for each target?}
-mapfile -t targets < <(basename -a tests/fuzz/seeds/"${2:-}"*)
+shift
+targets=("$@")
+[ $# -gt 0 ] || mapfile -t targets < <(basename -a tests/fuzz/seeds/*)
 
 tools/setup.sh fuzz
-cmake --preset fuzz >/dev/null
-cmake --build --preset fuzz --target "${targets[@]/#/fuzz_}"
+mkdir -p build/fuzz
+if ! { cmake --preset fuzz && cmake --build --preset fuzz --target "${targets[@]/#/fuzz_}"; } >build/fuzz/build.log 2>&1; then
+    cat build/fuzz/build.log
+    exit 1
+fi
 
-# Runs one target. Its words are shown only when it fails.
+# Files of realistic size that are in the repository anyway.
+mkdir -p build/fuzz/found/{adapters,listing,matrix}
+cp simulator/adapters.sample.txt build/fuzz/found/adapters/
+cp simulator/adapters.sample.txt build/fuzz/found/listing/
+cp share/fwmatrix.sample.txt build/fuzz/found/matrix/
+
+# Runs one target. Its output is shown only when it fails.
 run_target() {
     local found=build/fuzz/found/$1
     mkdir -p "$found"
-    if "build/fuzz/bin/fuzz_$1" -max_total_time="$seconds" -max_len=4096 -timeout=20 -print_final_stats=1 \
+    if "build/fuzz/bin/fuzz_$1" -max_total_time="$seconds" -max_len=16384 -len_control=0 -timeout=20 -print_final_stats=1 \
         -artifact_prefix="build/fuzz/$1-" "$found" "tests/fuzz/seeds/$1" >"build/fuzz/$1.log" 2>&1; then
         echo "$1: good, $(sed -n 's/stat::number_of_executed_units: *//p' "build/fuzz/$1.log") inputs"
     else
@@ -27,4 +38,4 @@ run_target() {
     fi
 }
 export -f run_target
-printf '%s\n' "${targets[@]}" | xargs -P 2 -I{} bash -c 'run_target {}'
+printf '%s\n' "${targets[@]}" | xargs -P "$(nproc)" -I{} bash -c 'run_target {}'

@@ -12,7 +12,6 @@
 #include "run/cleanup.h"
 #include "run/help.h"
 #include "run/paths.h"
-#include "run/port.h"
 #include "run/switches.h"
 #include "selection/fw_matrix.h"
 #include "settings/run_options.h"
@@ -30,11 +29,11 @@ static void readDiagnosticSettings() {
 }
 
 // Walks the ports. A failure of one port never ends the walk; it is recorded in the port's record and the counters.
-static void workOnPorts() {
+static void workOnPorts(PortWork workOnPort) {
     printDbg("[Begin execution]");
     logLine("[Begin execution]");
     for (HbaRecord* hba = gHbaList; hba != nullptr; hba = hba->next) {
-        processPort(hba);
+        workOnPort(hba);
     }
 }
 
@@ -67,7 +66,7 @@ ReturnCode prepareRun(char** argv) {
     return RETURN_SUCCEEDED;
 }
 
-int runTarnlift(int argc, char** argv) {
+int runTarnlift(int argc, char** argv, PortWork workOnPort) {
     printVersion();
 
     int parseResult = parseCommandLine(argc, argv);
@@ -106,7 +105,7 @@ int runTarnlift(int argc, char** argv) {
     if (runOptions.downloadRequested) {
         createTarnliftRegKey(argv[0]);
     }
-    workOnPorts();
+    workOnPorts(workOnPort);
     ReturnCode returnCode = closeReport();
     endReport(reportKind);
     return returnCode;

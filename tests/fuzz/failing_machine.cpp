@@ -1,52 +1,133 @@
-// Fails each operation of each run once, and once with all behind it.
+// Fails each operation of each run once, and once together with all operations after it.
+#include "fuzz/judge.h"
 #include "fuzz/memory_platform.h"
+#include "fuzz/standard_machine.h"
 
-// What is to be read when an operation fails only this time, without a return code only in the trace. An operation with
-// no text may take from the ports what they are worked on by. The run goes on after every other one.
-static const char consequences[] =
-    "systemMajorVersion>Unsupported OS detected - Return Code=9,programPath>Unable to setup application paths - Return "
-    "Code=4,createRegistryKey SOFTWARE>insufficient privileges - Return Code=8,openFile run.log>unable to open logfile "
-    "run.log - Return Code=4,openFile C:\\t\\fwmatrix.txt>fwmatrix update table not found - Return Code=2,"
-    "openDirectorySearch C:\\t\\firmware\\*>the firmware subdirectory was not found - Return Code=6,"
-    "openFile dbg.log>unable to open dbg.log!,createRegistryKey SYSTEM>Error creating \"Velmar Tarnlift\" key,"
-    "setRegistryText>Error creating \"EventMessageFile\" key,setRegistryNumber>Error creating \"Types Supported\" key,"
-    "closeRegistryKey SYSTEM>Error closing key.,__wrap_fseek fwmatrix>fseek failed. Unable to open fwmatrix,"
-    "halfFile,openFile C:\\t\\firmware,openFile C:\\tmp,nextDirectoryEntry,runCommand,__wrap_fseek image,"
-    "__wrap_malloc,__wrap_calloc,readText ";
+enum Effect {
+    ENDS_THE_RUN,       // with the message
+    CHANGES_THE_LIST,   // before the first port it may take ports or images away; from then on one board at most
+    CHANGES_ONE_BOARD,  // at most
+};
 
-static void judgeFailure(const std::string& run, const MemoryMachine& untouched) {
-    const std::string said = machine.files["the console"] + machine.files["run.log"] + machine.files["dbg.log"];
-    bool goesOn = true, traced = run.find("/xv") < run.size();
-    for (const std::string& row : split(consequences, ',')) {
-        const std::vector<std::string> sides = split(row + ">", '>');
-        const bool ends = sides[1].empty() ? machine.failedPort == 0 : sides[1].find("Return Code") < row.size();
-        const bool holds = machine.failed.starts_with(sides[0]);
-        MUST(!holds || !(ends || traced) || said.find(sides[1]) < said.size());
-        goesOn = goesOn && !(holds && ends);
+// The message must be in the output or, for a run that goes on, in dbg.log, which only /xv writes.
+struct Consequence {
+    const char* operation;  // how the failed operation starts; the first row that fits counts
+    Effect effect;
+    const char* message;
+};
+
+static const Consequence consequences[] = {
+    {"systemMajorVersion", ENDS_THE_RUN, "Unsupported OS detected - Return Code=9"},
+    {"programPath", ENDS_THE_RUN, "Unable to setup application paths - Return Code=4"},
+    {"createRegistryKey SOFTWARE", ENDS_THE_RUN, "insufficient privileges - Return Code=8"},
+    {"openFile run.log", ENDS_THE_RUN, "unable to open logfile run.log - Return Code=4"},
+    {"openFile C:\\t\\fwmatrix.txt", ENDS_THE_RUN, "fwmatrix update table not found - Return Code=2"},
+    {"openDirectorySearch C:\\t\\firmware\\*", ENDS_THE_RUN, "the firmware subdirectory was not found - Return Code=6"},
+    {"openFile dbg.log", CHANGES_ONE_BOARD, "unable to open dbg.log!"},
+    {"createRegistryKey SYSTEM", CHANGES_ONE_BOARD, "Error creating \"Velmar Tarnlift\" key"},
+    {"setRegistryText", CHANGES_ONE_BOARD, "Error creating \"EventMessageFile\" key"},
+    {"setRegistryNumber", CHANGES_ONE_BOARD, "Error creating \"Types Supported\" key"},
+    {"closeRegistryKey SYSTEM", CHANGES_ONE_BOARD, "Error closing key."},
+    {"fseek C:\\t\\fwmatrix.txt", CHANGES_ONE_BOARD, "fseek failed. Unable to open fwmatrix"},
+    {"fseek C:\\t\\firmware", CHANGES_THE_LIST, ""},
+    {"openFile C:\\t\\firmware", CHANGES_THE_LIST, ""},
+    {"openFile C:\\tmp", CHANGES_THE_LIST, ""},
+    {"removeFile C:\\tmp", CHANGES_THE_LIST, ""},
+    {"nextDirectoryEntry", CHANGES_THE_LIST, ""},
+    {"half", CHANGES_THE_LIST, ""},
+    {"read C:\\tmp", CHANGES_THE_LIST, ""},
+    {"read C:\\t\\firmware", CHANGES_THE_LIST, ""},
+    {"runCommand", CHANGES_THE_LIST, ""},
+    {"malloc", CHANGES_THE_LIST, ""},
+    {"calloc", CHANGES_THE_LIST, ""},
+    {"", CHANGES_ONE_BOARD, ""},
+};
+
+static const char* const runs[] = {
+    "/h",
+    "/q",
+    "/q /xml /vpd",
+    "/iv=C:\\t\\firmware\\0.grp",
+    "/update",
+    "/update /xml",
+    "/ff /q /v",
+    "/auto /rewrite /p",
+    "/update /v /xv /log=run.log",
+    "/p /rewrite /xml",
+    "/downgrade /xv",
+    "/auto /update /xml",
+    "/auto /q",
+    "/auto /downgrade /v /xv",
+    "/auto /ff /l=run.log /xml /s",
+    "/q /xv",
+    "/auto /ff /xv",
+    "/ff /xv /xml",
+};
+
+static const Consequence& consequenceOf(const std::string& operation) {
+    const Consequence* row = consequences;
+    while (!operation.starts_with(row->operation)) {
+        row++;
     }
-    // Every port ends as in the untouched run, but for those that share a board with the one at work.
-    for (size_t i = 0; goesOn && i < untouched.portEnds.size(); i++) {
-        const auto& [board, end] = untouched.portEnds[i];
-        const bool shares = machine.failedPort != 0 && untouched.portEnds[machine.failedPort - 1].first == board;
-        MUST(machine.portEnds.size() > i && (shares || machine.portEnds[i].second == end));
+    return *row;
+}
+
+// Every port ends as in the untouched run, but for those that share a board with the port at work.
+static void judgeOtherBoards(const std::vector<PortEnd>& untouched) {
+    std::string boardAtWork;
+    if (machine.portAtFirstFailure != 0) {
+        boardAtWork = untouched[machine.portAtFirstFailure - 1].board;
+    }
+    judge("no port is lost", std::ssize(portEnds), std::ssize(untouched));
+    for (size_t i = 0; i < untouched.size(); i++) {
+        const std::string port = "port " + std::to_string(i + 1);
+        if (untouched[i].board != boardAtWork) {
+            judge("the outcome of " + port + ", which is on another board, stays", portEnds[i].outcome,
+                  untouched[i].outcome);
+            judge("the download of " + port + ", which is on another board, stays", portEnds[i].download,
+                  untouched[i].download);
+        }
+    }
+}
+
+static void judgeOneFailure(const std::string& switches, const std::vector<PortEnd>& untouched) {
+    const Consequence& consequence = consequenceOf(machine.firstFailure);
+    const bool goesOn = consequence.effect == CHANGES_ONE_BOARD ||
+                        (consequence.effect == CHANGES_THE_LIST && machine.portAtFirstFailure != 0);
+    const std::string said = machine.files[CONSOLE] + machine.files["run.log"] + machine.files["dbg.log"];
+    const bool traced = switches.find("/xv") != std::string::npos;
+    if ((consequence.effect == ENDS_THE_RUN || traced) && said.find(consequence.message) == std::string::npos) {
+        judge("a failed operation has its message", "", consequence.message);
+    }
+    if (goesOn) {
+        judgeOtherBoards(untouched);
+    }
+}
+
+static void failEachOperation(const std::string& switches) {
+    MemoryMachine fresh = standardMachine();
+    if (switches.ends_with("/xv")) {
+        fresh.files[DIAGNOSTIC_LOG_PATH] = "";
+    }
+    machine = fresh;
+    judgedRun(switches);
+    const std::vector<PortEnd> untouched = portEnds;
+    const size_t operations = machine.operations;
+    for (size_t failAt = 1; failAt <= operations; failAt++) {
+        for (const bool failOnwards : {false, true}) {
+            machine = fresh;
+            machine.failAt = failAt;
+            machine.failOnwards = failOnwards;
+            judgedRun(switches);
+            if (!failOnwards) {
+                judgeOneFailure(switches, untouched);
+            }
+        }
     }
 }
 
 int main() {
-    const char* runs = "/h,/q,/q /xml /vpd,/iv=C:\\t\\firmware\\0.grp,/update,/update /xml,/ff /q /v,/auto /rewrite /p,"
-                       "/update /v /xv /log=run.log,/p /rewrite /xml,/downgrade /xv,/auto /update /xml,/auto /q,"
-                       "/auto /downgrade /v /xv,/auto /ff /l=run.log /xml /s,/q /xv,/auto /ff /xv,/ff /xv /xml";
-    for (const std::string& run : split(runs, ',')) {
-        MemoryMachine untouched;
-        for (size_t i = 0; i < 4 || machine.operations >= i / 2 - 1; i++) {
-            machine = machineOf(std::string(i % 2, '-') + std::to_string(i / 2) + "|" + run + STANDARD);
-            machine.files[run.ends_with("/xv") ? "C:\\t\\vlmdbg.log" : "unused"] = "";
-            judgedRun();
-            if (machine.failAt == 0) {
-                untouched = machine;
-            } else if (!machine.failOnwards) {
-                judgeFailure(run, untouched);
-            }
-        }
+    for (const char* switches : runs) {
+        failEachOperation(switches);
     }
 }

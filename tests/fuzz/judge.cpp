@@ -1,97 +1,222 @@
+#include "fuzz/judge.h"
+
 #include <algorithm>
+#include <cstdlib>
+#include <map>
+#include <set>
 #include <sstream>
 #include <utility>
 
 #include <expat.h>
+#include <unistd.h>
 
 #include "fuzz/memory_platform.h"
 #include "platform/platform.h"
 #include "records/hba_list.h"
-#include "records/run_counters.h"
+#include "records/port_outcome.h"
 #include "run/cleanup.h"
+#include "run/port.h"
 #include "run/run.h"
 #include "settings/run_options.h"
 
-std::vector<std::string> split(const std::string& text, char separator) {
-    std::vector<std::string> parts;
-    std::istringstream rest(text + separator);
-    for (std::string part; std::getline(rest, part, separator);) {
-        parts.push_back(part);
+std::vector<PortEnd> portEnds;
+
+static std::string switchesOfRun;
+static std::map<std::string, bool> downloadedBoards;  // whether the reply to the board's download was good
+
+static const std::set<int> successes = {OUTCOME_SUCCEEDED, OUTCOME_REBOOT_REQUIRED, OUTCOME_DOWNLOAD_TWICE,
+                                        OUTCOME_ACTIVATED};
+static const std::set<int> notDue = {OUTCOME_NOT_NEEDED, OUTCOME_UNKNOWN_FIRMWARE_VERSION,
+                                     OUTCOME_NO_COMPATIBLE_FIRMWARE, OUTCOME_NO_MATRIX_MODEL};
+
+void judge(const std::string& rule, const std::string& got, const std::string& wanted) {
+    if (got == wanted) {
+        return;
     }
-    return parts;
+    const std::string port = machine.portAtWork == 0 ? "none at work" : std::to_string(machine.portAtWork);
+    const std::string failed = machine.firstFailure.empty() ? "nothing"
+                               : machine.failOnwards        ? machine.firstFailure + " and all after it"
+                                                            : machine.firstFailure;
+    dprintf(STDERR_FILENO, "\nBroken rule: %s\n  got:      %s\n  wanted:   %s\n", rule.c_str(), got.c_str(),
+            wanted.c_str());
+    dprintf(STDERR_FILENO, "  switches: %s\n  port:     %s\n  failed:   %s (operation %zu)\n", switchesOfRun.c_str(),
+            port.c_str(), failed.c_str(), machine.failAt);
+    abort();
 }
 
-extern "C" void __real__Z11processPortP9HbaRecord(HbaRecord* hba);
-extern "C" void __wrap__Z11processPortP9HbaRecord(HbaRecord* hba) {
-    static const std::set<int> successes = {0, 1, 22, 29}, passed = {2, 10, 13, 16};
-    const RunCounters before = runCounters;
-    const size_t downloads = machine.downloads;
-    machine.download = machine.reply = "";
-    machine.port = machine.portEnds.size() + 1;
-    __real__Z11processPortP9HbaRecord(hba);
-    const std::string name = isGrpAdapter(hba) ? hba->serialNumber : "port " + std::to_string(machine.port);
-    const std::string board = name + "/" + std::to_string(hba->busNumber);
-    int& downloaded = machine.boards[board];
-    machine.port = 0;
-    const size_t ran = machine.downloads - downloads;
-    const bool attempted = hba->downloadAttempted, previewed = hba->fwDownloadStatus == 17;
-    const int outcome = isQueryOnly() ? 2 : hba->fwDownloadStatus;
-    MUST(ran <= (runOptions.preview || isQueryOnly() || downloaded != 0 ? 0 : 1));
-    MUST(ran == 0 ||
-         machine.download.find(" download n=" + std::to_string(static_cast<int>(hba->adapterNumber)) + " i=\"") < 300);
-    downloaded += ran == 0 ? 0 : machine.reply.find("NO Error") != std::string::npos ? 2 : 1;
-    const bool succeeded = successes.contains(outcome), failed = !succeeded && !passed.contains(outcome) && !previewed;
-    MUST(!succeeded || (downloaded == 2 && attempted));
-    MUST(!previewed || (runOptions.preview && attempted));
-    MUST(!attempted || !passed.contains(outcome));
-    MUST(ran == 0 || downloaded == 2 || failed);
-    MUST(runCounters.downloadFailCount - before.downloadFailCount == failed);
-    MUST(runCounters.downloadAttemptCount - before.downloadAttemptCount == !passed.contains(outcome));
-    machine.portEnds.push_back({board, std::to_string(outcome) + machine.download});
+void judge(const std::string& rule, long got, long wanted) {
+    judge(rule, std::to_string(got), std::to_string(wanted));
 }
 
-// What a run has shown tells its code, and a document is well formed.
-static void judgeOutput(const char* file, int code) {
-    const std::string text = machine.touched.contains(file) ? "" : machine.files[file];
-    const size_t start = text.find("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"), told = text.rfind(" Return Code=");
-    if (start > text.size()) {
-        MUST(told > text.size() || atoi(text.c_str() + told + 13) == code);
-        MUST(text.empty() || machine.portEnds.empty() || !runOptions.xml);
-    } else if (!runOptions.verbose) {
-        XML_Parser parser = XML_ParserCreate(nullptr);
-        MUST(text.find("<Message id=\"" + std::to_string(code) + "\">") < text.size());
-        MUST(XML_Parse(parser, text.data() + start, static_cast<int>(text.size() - start), 1) == XML_STATUS_OK);
-        XML_ParserFree(parser);
+static void judgeTruth(const std::string& rule, bool holds) {
+    judge(rule, holds ? "yes" : "no", "yes");
+}
+
+static std::string boardOf(const HbaRecord* hba) {
+    const std::string ownBoard = "port " + std::to_string(machine.portAtWork);
+    return (isGrpAdapter(hba) ? hba->serialNumber : ownBoard) + "/" + std::to_string(hba->busNumber);
+}
+
+static void judgeDownload(const HbaRecord* hba, const PortEnd& end, size_t count) {
+    const bool downloads = !runOptions.preview && !isQueryOnly() && !downloadedBoards.contains(end.board);
+    judgeTruth("a board gets at most one download in a run, in a preview or query none", count <= (downloads ? 1 : 0));
+    if (count > 0) {
+        const std::string port = " download n=" + std::to_string(static_cast<int>(hba->adapterNumber)) + " i=\"";
+        judgeTruth("the utility's command line names the port at work: " + end.download,
+                   end.download.find(port) != std::string::npos);
+        downloadedBoards[end.board] = machine.downloads.back().reply.find("NO Error") != std::string::npos;
     }
 }
 
-void judgedRun() {
-    std::vector<std::string> arguments = split("C:\\t\\tarnlift.exe " + machine.switches, ' ');
+static void judgeOutcome(const PortEnd& end) {
+    const std::string outcome = " (outcome " + std::to_string(end.outcome) + ")";
+    const bool previewed = end.outcome == OUTCOME_PREVIEW_SUCCEEDED;
+    const bool good = downloadedBoards.contains(end.board) && downloadedBoards[end.board];
+    if (successes.contains(end.outcome)) {
+        judgeTruth("a success is reported only after a download with a good reply" + outcome, good && end.attempted);
+    } else if (!end.download.empty()) {
+        const bool replyLost = machine.failedPaths.contains(machine.tempFile);
+        judgeTruth("a download with a good reply is reported as a success" + outcome, !good || replyLost);
+        judgeTruth("a download without a good reply is a failure" + outcome,
+                   !notDue.contains(end.outcome) && !previewed);
+    }
+    judgeTruth("only a preview ends as previewed" + outcome, !previewed || (runOptions.preview && end.attempted));
+    judgeTruth("a port that is not due has no download" + outcome, !notDue.contains(end.outcome) || !end.attempted);
+}
+
+static void watchPort(HbaRecord* hba) {
+    machine.portAtWork = portEnds.size() + 1;
+    const size_t downloadsBefore = machine.downloads.size();
+    processPort(hba);
+    const size_t count = machine.downloads.size() - downloadsBefore;
+    const PortEnd end = {
+        .board = boardOf(hba),
+        .outcome = isQueryOnly() ? isInvalidHba(hba) : hba->fwDownloadStatus,
+        .download = count > 0 ? machine.downloads.back().command : "",
+        .attempted = hba->downloadAttempted != 0,
+    };
+    judgeDownload(hba, end, count);
+    if (!isQueryOnly()) {
+        judgeOutcome(end);
+    }
+    portEnds.push_back(end);
+    machine.portAtWork = 0;
+}
+
+// The code that the ends of the ports call for.
+static int expectedCode() {
+    size_t asked = 0;
+    size_t failed = 0;
+    bool metAnImage = false;
+    for (const PortEnd& end : portEnds) {
+        const bool query = isQueryOnly();
+        const bool due = !notDue.contains(end.outcome);
+        const bool succeeded = successes.contains(end.outcome) || end.outcome == OUTCOME_PREVIEW_SUCCEEDED;
+        asked += query || due ? 1 : 0;
+        failed += query ? end.outcome != 0 : due && !succeeded;
+        metAnImage = metAnImage || query || end.attempted || end.outcome == OUTCOME_NOT_NEEDED;
+    }
+    if (!metAnImage) {
+        return isQueryOnly() ? RETURN_SUCCEEDED : RETURN_NO_COMPATIBLE_FIRMWARE;
+    }
+    if (failed > 0) {
+        return failed == asked ? RETURN_ALL_FAILED : RETURN_SOME_FAILED;
+    }
+    return asked > 0 ? RETURN_SUCCEEDED : RETURN_NOT_REQUIRED;
+}
+
+// `listed` is the number of ports in the listing; without memory for their records there is none to work on.
+static void judgeCode(int code, int listed) {
+    static const std::set<int> endsWithoutPorts = {
+        RETURN_SUCCEEDED,     RETURN_ALL_FAILED, RETURN_COMMAND_LINE,  RETURN_NO_ADAPTERS, RETURN_NO_FIRMWARE_DIRECTORY,
+        RETURN_NO_PRIVILEGES, RETURN_OLD_SYSTEM, RETURN_IMAGE_VERSION,
+    };
+    const std::string name = " (code " + std::to_string(code) + ")";
+    if (!portEnds.empty()) {
+        judge("the return code follows from how the ports ended", code, expectedCode());
+    } else {
+        judgeTruth("a run that works on no port ends with the code of such a run" + name,
+                   endsWithoutPorts.contains(code));
+        judgeTruth("a run that works on no port succeeds only by showing something",
+                   code != RETURN_SUCCEEDED || runOptions.help || runOptions.imageVersion || listed > 0);
+    }
+}
+
+static void judgeText(const std::string& file, const std::string& text, int code) {
+    static const std::string told = " Return Code=";
+    const size_t position = text.rfind(told);
+    if (position != std::string::npos) {
+        judge("the code in " + file + " is the return code", code, atoi(&text[position + told.size()]));
+    }
+    judgeTruth("the XML document is in " + file, text.empty() || portEnds.empty() || !runOptions.xml);
+}
+
+static void judgeDocument(const std::string& file, const std::string& document, int code) {
+    judgeTruth("the XML document in " + file + " has the return code " + std::to_string(code),
+               document.find("<Message id=\"" + std::to_string(code) + "\">") != std::string::npos);
+    XML_Parser parser = XML_ParserCreate(nullptr);
+    const bool parsed = XML_Parse(parser, document.data(), static_cast<int>(document.size()), 1) == XML_STATUS_OK;
+    const char* error = parsed ? "no error" : XML_ErrorString(XML_GetErrorCode(parser));
+    judge("the XML document in " + file + " is well formed", error, "no error");
+    XML_ParserFree(parser);
+}
+
+static void judgeOutput(const std::string& file, int code) {
+    if (machine.failedPaths.contains(file) || !machine.files.contains(file)) {
+        return;
+    }
+    const std::string& text = machine.files[file];
+    const size_t start = text.find("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
+    if (start == std::string::npos) {
+        judgeText(file, text, code);
+    } else if (!runOptions.verbose) {  // the texts of /v are between the elements
+        judgeDocument(file, text.substr(start), code);
+    }
+}
+
+static std::vector<std::string> argumentsOf(const std::string& switches) {
+    std::vector<std::string> arguments = {PROGRAM_DIRECTORY + "tarnlift.exe"};
+    std::istringstream rest(switches + " ");
+    for (std::string argument; std::getline(rest, argument, ' ');) {
+        arguments.push_back(argument);
+    }
+    return arguments;
+}
+
+int judgedRun(const std::string& switches) {
+    switchesOfRun = switches;
+    portEnds.clear();
+    downloadedBoards.clear();
+    std::vector<std::string> arguments = argumentsOf(switches);
     std::vector<char*> argv(arguments.size() + 1);
     std::transform(arguments.begin(), arguments.end(), argv.begin(), [](std::string& text) { return text.data(); });
-    FILE* console = std::exchange(stdout, openFile("the console", OPEN_WRITE));
+
+    FILE* console = std::exchange(stdout, openFile(CONSOLE.c_str(), OPEN_WRITE));
+    FILE* errors = std::exchange(stderr, openFile(ERROR_CONSOLE.c_str(), OPEN_WRITE));
     runOptions = {};
+    int listed = 0;
     machine.running = true;
-    startPlatform();
     int code = prepareRun(argv.data());
     if (code == RETURN_SUCCEEDED) {
-        code = runTarnlift(static_cast<int>(arguments.size()), argv.data());
+        code = runTarnlift(static_cast<int>(arguments.size()), argv.data(), watchPort);
+        listed = gHbaCount;
         cleanup();
     }
     machine.running = false;
     fclose(std::exchange(stdout, console));
+    fclose(std::exchange(stderr, errors));
 
-    static const std::set<int> stops = {0, 2, 4, 5, 6, 8, 9, 19};
-    const bool query = isQueryOnly(), walked = !machine.portEnds.empty();
-    const int all = query ? runCounters.queryCount : runCounters.downloadAttemptCount;
-    const int failed = query ? runCounters.queryFailCount : runCounters.downloadFailCount;
-    const int counted = failed != 0 ? (failed == all ? 2 : 3) : all != 0 || query ? 0 : 1;
-    MUST(walked ? code == (query || runCounters.compatibleImageCount != 0 ? counted : 7) : stops.contains(code));
-    MUST(walked || code != 0 || runOptions.help || runOptions.imageVersion || gHbaCount != 0);
+    judgeCode(code, listed);
     if (!runOptions.silent) {
-        judgeOutput("the console", code);
+        judgeOutput(CONSOLE, code);
     }
     judgeOutput("run.log", code);
-    MUST((machine.listings == 1 || !walked) && machine.openFiles == 0 && gHbaList == nullptr);
-    MUST(machine.touched.contains(machine.redirect) || !machine.files.contains(machine.redirect));
+    judge("all that was printed is on the console when the utility is started", static_cast<long>(machine.hiddenBytes),
+          0);
+    judge("every file is closed", std::ssize(machine.openFiles), 0);
+    judgeTruth("the port list is freed", gHbaList == nullptr);
+    judge("the ports are listed once", machine.listings, portEnds.empty() ? machine.listings : 1);
+    judgeTruth("the temp file is removed",
+               machine.failedPaths.contains(machine.tempFile) || !machine.files.contains(machine.tempFile));
+    return code;
 }

@@ -1,37 +1,59 @@
-// A machine of memory in the place of the platform. Each operation and each allocation can be made to fail.
+// A machine in memory in place of the platform. Each operation and each allocation can be made to fail.
 #pragma once
 
 #include <cstdio>
-#include <cstdlib>
 #include <map>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
-#define MUST(truth)                                                                                                    \
-    (truth) ? void() : (fprintf(stderr, "%zu %s: %s\n", machine.failAt, machine.failed.c_str(), #truth), abort())
+// The console's texts are among the files, under names that no switch can give.
+inline const std::string CONSOLE = "the console";
+inline const std::string ERROR_CONSOLE = "the error console";
+inline const std::string PROGRAM_DIRECTORY = "C:\\t\\";
+inline const std::string MATRIX_PATH = PROGRAM_DIRECTORY + "fwmatrix.txt";
+inline const std::string SETTINGS_PATH = PROGRAM_DIRECTORY + "RM.INI";
+inline const std::string DIAGNOSTIC_LOG_PATH = PROGRAM_DIRECTORY + "vlmdbg.log";
+inline const std::string IMAGE_DIRECTORY = PROGRAM_DIRECTORY + "firmware\\";
+
+// How the adapter utility ends a download.
+struct UtilityReply {
+    int exitStatus;
+    std::string text;
+};
+
+struct Download {
+    size_t port;  // the port at work, from 1
+    std::string command;
+    std::string reply;  // empty when the utility could not run
+};
 
 struct MemoryMachine {
-    std::map<std::string, std::string> files;   // with "the listing" and "the console", which no switch can name
-    std::vector<std::string> replies;           // to a download for the first port and so on, an exit status in front
-    size_t failAt = 0;                          // the operation's number from 1, 0 for none
-    bool failOnwards = false, running = false;  // whether all behind it fail too
-    size_t operations = 0, listings = 0, downloads = 0, openFiles = 0;
-    std::string switches, redirect, download, reply;  // the file behind the last ">"; of the port at work
-    size_t port = 0, failedPort = 0;                  // the one at work, from 1, and the one at the first failure
-    std::string failed;                               // the operation that failed first
-    std::set<std::string> touched;                    // the files on which one failed
-    std::vector<std::pair<std::string, std::string>> portEnds;  // the board of each port, and what became of the port
-    std::map<std::string, int> boards;                          // 1 after a download, 2 when its reply was good
-    bool fails(const char* operation, const char* path = "");
+    // The machine as a run finds it.
+    std::map<std::string, std::string> files;  // contents by path
+    std::string listing;                       // the utility's reply to listattr
+    std::vector<UtilityReply> replies;         // to a download for the first port, the second and so on, in turn
+
+    // Operation number failAt, from 1, fails, and with failOnwards all after it. With 0 none fails.
+    size_t failAt = 0;
+    bool failOnwards = false;
+
+    // What a run did.
+    bool running = false;  // operations count only during a run
+    size_t operations = 0;
+    int listings = 0;
+    std::vector<Download> downloads;
+    std::map<FILE*, std::string> openFiles;  // their paths
+    std::string tempFile;                    // where the utility's last output went
+    size_t hiddenBytes = 0;                  // printed, but not on the console when the utility was started
+    size_t portAtWork = 0;                   // from 1; 0 before the first port and after the last
+    std::string firstFailure;                // the operation that failed first, with its path
+    size_t portAtFirstFailure = 0;
+    std::set<std::string> failedPaths;  // the files on which an operation failed
+
+    // Counts an operation. Returns true when it must fail.
+    bool fails(const std::string& operation, const std::string& path = "");
 };
+
 extern MemoryMachine machine;
-
-// Its parts: the operation that fails (with a minus, all behind it too), switches, listing, table, settings, five images
-// (a digit for the family, a version), replies. An old temp file looks like an answer.
-MemoryMachine machineOf(const std::string& parts);
-extern const char STANDARD[];  // the parts behind the switches, with ports, images and replies of all kinds
-
-// Runs the whole program once on it, and aborts when something is broken that must hold for every run.
-void judgedRun();
-std::vector<std::string> split(const std::string& text, char separator);
