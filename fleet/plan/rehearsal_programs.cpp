@@ -37,6 +37,9 @@ static bool readUtility(const fs::path& directory, std::string& program, std::st
 bool fleet::readRehearsalPrograms(const fs::path& directory, RehearsalPrograms& programs, std::string& problem) {
     problem.clear();
     FileContent content = readFile(directory / UPDATER_NAME, LARGEST_PROGRAM);
+    if (!content.exists) {
+        content = readFile(directory / REHEARSAL_FOLDER / UPDATER_NAME, LARGEST_PROGRAM);
+    }
     if (!content.fault.empty()) {
         problem = textOf(directory / UPDATER_NAME) + ", which a plan runs, " + content.fault;
         return false;
