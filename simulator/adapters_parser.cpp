@@ -1,15 +1,17 @@
 #include "adapters_parser.h"
 
+#include <algorithm>
+
 #include "text.h"
 
 namespace simulator {
 
 namespace {
 
-// Where a line stands: in front of the first port, in a port's block, or behind the empty line that ends it.
+// Where a line is: before the first port, in a port's block, or after the empty line that ends the block.
 enum class Place { HEAD, BLOCK, BETWEEN };
 
-// One kind of script line: where it may stand, and what reads what stands behind its word.
+// One kind of script line: where it is allowed, and the function that reads the text after its word.
 struct ScriptLine {
     std::string_view word;
     LineKind kind;
@@ -17,6 +19,9 @@ struct ScriptLine {
     bool inBlock;
     bool (*read)(std::string_view argument, Machine& machine, std::string& message);
 };
+
+// Lines with these keys before the first port show that the port's own first line is missing or mistyped.
+constexpr std::string_view keysOfAPort[] = {"Port WWN", "Model", "Serial Number", "FW Version"};
 
 }  // namespace
 
@@ -30,14 +35,14 @@ static bool readListattrLine(std::string_view argument, Machine& machine, std::s
 }
 
 static bool readModelLine(std::string_view argument, Machine& /*machine*/, std::string& message) {
-    return !trim(argument).empty() || refuse(message, {"a name is missing behind @model"});
+    return !trim(argument).empty() || refuse(message, {"@model needs a name"});
 }
 
-// The file lies beside the program, so that a copied machine never writes into the one it was copied from.
+// The file is beside the program, so that a copied machine never writes into the one that it was copied from.
 static bool readCallsLine(std::string_view argument, Machine& machine, std::string& message) {
     machine.callsFile = trim(argument);
     bool bare = machine.callsFile.find_first_of(std::string_view("/\\:\0", 4)) == std::string_view::npos;
-    return (bare && !machine.callsFile.empty()) || refuse(message, {"behind @calls stands the bare name of a file"});
+    return (bare && !machine.callsFile.empty()) || refuse(message, {"@calls needs a plain file name"});
 }
 
 static bool readPrintLine(std::string_view /*argument*/, Machine& /*machine*/, std::string& /*message*/) {
@@ -70,11 +75,12 @@ static bool readScriptLine(std::string_view line, Place place, Machine& machine,
     std::string_view word = line.substr(0, line.find_first_of(" \t"));
     const ScriptLine* row = findScriptLine(word);
     if (row == nullptr) {
-        return refuse(message, {"'", word, "' is no script line"});
+        return refuse(message, {"'", word, "' is not a script line"});
     }
     if (!(place == Place::HEAD && row->inHead) && !(place == Place::BLOCK && row->inBlock)) {
-        return refuse(message, {word, row->inBlock ? " stands in a port's block, before the empty line that ends it"
-                                                   : " stands in front of the first port's block"});
+        return refuse(message,
+                      {word, row->inBlock ? " is only allowed in a port's block, before the empty line that ends it"
+                                          : " is only allowed before the first port"});
     }
     keepLine(machine, row->kind, line);
     return row->read(scriptArgument(line), machine, message);
@@ -83,16 +89,25 @@ static bool readScriptLine(std::string_view line, Place place, Machine& machine,
 static bool startPort(std::string_view line, std::string_view value, Machine& machine, std::string& message) {
     std::optional<uint32_t> number = readPortNumber(value);
     if (!number) {
-        return refuse(message, {"behind 'HBA:' stands the port's number"});
+        return refuse(message, {"'HBA:' needs a port number"});
     }
     machine.ports.push_back({*number, {}});
     keepLine(machine, LineKind::ATTRIBUTE, line);
     return true;
 }
 
+static bool isKeyOfAPort(std::string_view key) {
+    return std::find(std::begin(keysOfAPort), std::end(keysOfAPort), key) != std::end(keysOfAPort);
+}
+
 static bool readAttributeLine(std::string_view line, Place& place, Machine& machine, std::string& message) {
     size_t colon = line.find(':');
     std::string_view key = trim(line.substr(0, colon));
+    // A saved listing may begin with lines of other programs, such as the prompt or a banner.
+    if (place == Place::HEAD && !(colon != std::string_view::npos && (key == "HBA" || isKeyOfAPort(key)))) {
+        keepLine(machine, LineKind::COMMENT, line);
+        return true;
+    }
     if (colon == std::string_view::npos || key.empty() || key.front() == '#' || key.front() == '@') {
         return refuse(message, {"a line is 'Key: value', or has '#' or '@' as its first character"});
     }
@@ -101,7 +116,7 @@ static bool readAttributeLine(std::string_view line, Place& place, Machine& mach
         return startPort(line, trim(line.substr(colon + 1)), machine, message);
     }
     if (place != Place::BLOCK) {
-        return refuse(message, {"this line stands outside a port's block, which starts with 'HBA: <number>'"});
+        return refuse(message, {"this line is outside a port's block, which starts with 'HBA: <number>'"});
     }
     keepLine(machine, LineKind::ATTRIBUTE, line);
     return true;
@@ -125,8 +140,8 @@ static bool readLine(std::string_view line, Place& place, Machine& machine, std:
     return readAttributeLine(line, place, machine, message);
 }
 
-// Takes the next line off the rest, without its line end.
-static std::string_view takeLine(std::string_view& rest) {
+// Removes the next line from the rest and returns it without its line end.
+static std::string_view cutLine(std::string_view& rest) {
     size_t end = rest.find('\n');
     std::string_view line = rest.substr(0, end);
     rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
@@ -151,7 +166,7 @@ bool parseAdapters(const char* text, size_t length, Machine& machine, ParseError
     Place place = Place::HEAD;
     while (!rest.empty()) {
         error.line++;
-        if (!readLine(takeLine(rest), place, machine, error.message)) {
+        if (!readLine(cutLine(rest), place, machine, error.message)) {
             return false;
         }
     }

@@ -13,8 +13,8 @@ struct ParseError {
     std::string message;
 };
 
-// Reads the whole text. The machine starts anew and points into the text, which has to outlive it. On false
-// the error names the line that cannot be read, and the machine is of no use.
+// Reads the whole text, which is not UTF-16. The machine is cleared first; it points into the text, which must outlive
+// it. On false the error names the line that cannot be read, and the machine is not usable.
 bool parseAdapters(const char* text, size_t length, Machine& machine, ParseError& error);
 
 }  // namespace simulator

@@ -6,6 +6,7 @@
 
 #include "adapters_parser.h"
 #include "host_system.h"
+#include "text.h"
 
 namespace simulator {
 
@@ -34,6 +35,21 @@ static bool readWholeFile(const std::string& path, std::string& text, std::strin
     return text.size() <= LARGEST_FILE || failOn(path, "is larger than 64 MiB", problem);
 }
 
+// PowerShell's > writes UTF-16. Whatever is written back is UTF-8.
+static void decodeUtf16(std::string& text) {
+    bool littleEndian = text.starts_with("\xFF\xFE");
+    if (!littleEndian && !text.starts_with("\xFE\xFF")) {
+        return;
+    }
+    std::u16string units;
+    for (size_t at = 2; at + 1 < text.size(); at += 2) {
+        auto low = static_cast<unsigned char>(text[littleEndian ? at : at + 1]);
+        auto high = static_cast<unsigned char>(text[littleEndian ? at + 1 : at]);
+        units += static_cast<char16_t>(high << 8 | low);
+    }
+    text = utf8Of(units);
+}
+
 bool loadStore(const std::string& directory, Store& store, std::string& problem) {
     store.directory = directory;
     store.path = directory + "adapters.txt";
@@ -41,6 +57,7 @@ bool loadStore(const std::string& directory, Store& store, std::string& problem)
     if (!readWholeFile(store.path, store.text, problem)) {
         return false;
     }
+    decodeUtf16(store.text);
     ParseError error;
     if (parseAdapters(store.text.data(), store.text.size(), store.machine, error)) {
         return true;

@@ -1,4 +1,4 @@
-// adapters.txt beside the program: reading it, and putting a changed one in its place.
+// adapters.txt beside the program: reads it, and replaces it when the machine has changed.
 #pragma once
 
 #include <span>
@@ -8,7 +8,7 @@
 
 namespace simulator {
 
-// A machine and the text that its lines point into. Not to be copied.
+// A machine and the text that its lines point into. Must not be copied.
 struct Store {
     std::string directory;  // with a separator at its end, or empty for the current one
     std::string path;

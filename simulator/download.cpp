@@ -10,8 +10,8 @@ namespace simulator {
 
 namespace {
 
-// The text that tells a reader of the reply that all went well. No other reply may hold it, so none quotes
-// the image's path.
+// Readers of the reply look for this text to find a success. No other reply may hold it, so none quotes the image's
+// path.
 constexpr std::string_view SUCCESS_TEXT = "NO Error";
 
 // How the utility answers when nothing is scripted.
@@ -53,7 +53,7 @@ static const Outcome* readImageHeader(const std::string& path, GrpHeader& header
 }
 
 // The version is set whenever the image has a sound header, also when it is made for another family.
-static const Outcome& judgeImage(const std::string& path, const Port& port, std::optional<std::string>& version) {
+static const Outcome& checkImage(const std::string& path, const Port& port, std::optional<std::string>& version) {
     GrpHeader header;
     if (const Outcome* failure = readImageHeader(path, header)) {
         return *failure;
@@ -91,11 +91,11 @@ void downloadImage(Machine& machine, uint32_t portNumber, const std::string& ima
     Script& script = answer.script;
     Port* port = findPort(machine, portNumber);
     if (port != nullptr) {
-        answer.changed = takeDownloadScript(machine, *port, script);
+        answer.changed = useDownloadScript(machine, *port, script);
     }
     sleepMilliseconds(script.delay.value_or(0));
     std::optional<std::string> version;
-    const Outcome& outcome = port != nullptr ? judgeImage(imagePath, *port, version) : unknownPort;
+    const Outcome& outcome = port != nullptr ? checkImage(imagePath, *port, version) : unknownPort;
     std::string reply = script.reply.value_or(std::string(outcome.reply));
     if (script.version) {
         version = script.version;

@@ -8,19 +8,19 @@
 
 namespace simulator {
 
-// What the utility is to do about one download command.
+// How the utility answers one download command.
 struct DownloadAnswer {
     uint32_t exitStatus = 0;
-    std::string output;    // all that goes to standard output
-    bool changed = false;  // the machine differs from its file now
-    Script script;         // for the rest of what was scripted: crash and crashAfter are left to the caller
+    std::string output;    // everything for standard output
+    bool changed = false;  // the machine now differs from its file
+    Script script;         // the caller carries out crash and crashAfter
 };
 
-// Carries the download out on the machine: takes the port's next scripted line, waits as it says, reads the
-// image (a native path), and puts the new version on every port of the board when the answer is a success.
+// Carries the download out on the machine: uses up the port's next scripted line, waits as it says, reads the image (a
+// native path), and stores the new version in every port of the board when the answer is a success.
 void downloadImage(Machine& machine, uint32_t portNumber, const std::string& imagePath, DownloadAnswer& answer);
 
-// Activates firmware that waits for a reboot. Gives the number of ports that had some.
+// Activates firmware that waits for a reboot. Returns the number of ports that had some.
 size_t rebootMachine(Machine& machine);
 
 }  // namespace simulator

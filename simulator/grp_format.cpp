@@ -27,7 +27,7 @@ const GrpFamily* findFamilyByNumber(unsigned number) {
     return nullptr;
 }
 
-static bool carriesMarksOf(const GrpHeader& header, const GrpFamily& family) {
+static bool isHeaderOf(const GrpHeader& header, const GrpFamily& family) {
     if (header.signature >> 16 != family.signature) {
         return false;
     }
@@ -36,7 +36,7 @@ static bool carriesMarksOf(const GrpHeader& header, const GrpFamily& family) {
 
 const GrpFamily* findFamilyByHeader(const GrpHeader& header) {
     for (const GrpFamily& family : families) {
-        if (carriesMarksOf(header, family)) {
+        if (isHeaderOf(header, family)) {
             return &family;
         }
     }

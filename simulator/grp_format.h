@@ -1,4 +1,4 @@
-// The header of a .grp firmware image: its layout in the file, and the marks of each adapter family.
+// The header of a .grp firmware image: its layout in the file, and the identifiers of each adapter family.
 #pragma once
 
 #include <cstddef>
@@ -11,12 +11,12 @@ namespace simulator {
 constexpr size_t GRP_HEADER_SIZE = 140;
 constexpr size_t GRP_BUILD_STRING_SIZE = 128;
 
-// An adapter family and the marks that its images carry.
+// An adapter family and the identifiers in the headers of its images.
 struct GrpFamily {
     unsigned number;       // 64 to 67
-    uint32_t deviceId;     // of the adapters that take these images
+    uint32_t deviceId;     // of the adapters that accept these images
     uint16_t signature;    // top 16 bits of the header's signature word
-    uint32_t magic;        // the magic number that new images get
+    uint32_t magic;        // the magic number of new images
     uint32_t secondMagic;  // a second one that is accepted as well, 0 if there is none
 };
 
@@ -32,16 +32,16 @@ enum class ByteOrder { BIG, LITTLE };
 // The family with this number, null if there is none.
 const GrpFamily* findFamilyByNumber(unsigned number);
 
-// The family whose magic number and signature the header both carries, null if there is none.
+// The family whose magic number and signature the header holds, null if there is none.
 const GrpFamily* findFamilyByHeader(const GrpHeader& header);
 
-// The family behind this one in the order of the numbers; the first one behind the last.
+// The family with the next number; after the last family the first one.
 const GrpFamily& nextFamily(const GrpFamily& family);
 
-// Lays the header out as in a file. A good file has its words in big-endian order.
+// Encodes the header as in a file. A good file has its words in big-endian order.
 void encodeGrpHeader(const GrpHeader& header, ByteOrder order, unsigned char (&bytes)[GRP_HEADER_SIZE]);
 
-// Takes a header out of the first bytes of a file.
+// Decodes a header from the first bytes of a file.
 void decodeGrpHeader(const unsigned char (&bytes)[GRP_HEADER_SIZE], GrpHeader& header);
 
 // The digits and dots at the start of the build string, which may be none. No value when the build string

@@ -44,7 +44,7 @@ void sleepMilliseconds(uint32_t milliseconds) {
     Sleep(milliseconds);
 }
 
-// abort() may open a dialog here, and an unattended run would wait for somebody to close it.
+// abort() may open a dialog on this system, and an unattended run would wait for it.
 void crashProgram() {
     TerminateProcess(GetCurrentProcess(), static_cast<UINT>(EXCEPTION_ACCESS_VIOLATION));
     abort();

@@ -1,4 +1,4 @@
-// The few things that differ from system to system. Everything else here is plain standard library.
+// What differs from system to system. Everything else in the simulator uses the standard library only.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 namespace simulator {
 
 // The directory of the running program with a separator at its end; empty (the current directory) when the
-// system does not tell.
+// system does not report it.
 std::string programDirectory();
 
 // A path as the caller of the utility gave it, as this system opens it. Off Windows backslashes become
@@ -15,16 +15,16 @@ std::string programDirectory();
 // "host" beside the program).
 std::string nativePath(const std::string& path);
 
-// Puts the file "from" in the place of "to" in one step: whoever opens "to" sees the old file or the new one,
-// never a part. False when the system refuses; both files are then as they were.
+// Replaces the file "to" by "from" in one step: a reader of "to" sees the old file or the new one, never a part.
+// Returns false when the system refuses; both files are unchanged then.
 bool replaceFile(const std::string& from, const std::string& to);
 
-// Lets standard output through byte for byte, without line ends being translated.
+// From now on standard output is written byte for byte, without translating line ends.
 void keepOutputBinary();
 
 void sleepMilliseconds(uint32_t milliseconds);
 
-// Ends the program as a fault would. Buffered output is lost.
+// Ends the program as a crash would. Buffered output is lost.
 [[noreturn]] void crashProgram();
 
 }  // namespace simulator

@@ -86,7 +86,7 @@ bool onSameBoard(const Port& left, const Port& right) {
     return busNumber(left) == busNumber(right);
 }
 
-bool takeDownloadScript(Machine& machine, Port& port, Script& script) {
+bool useDownloadScript(Machine& machine, Port& port, Script& script) {
     for (Line& line : port.lines) {
         if (line.kind != LineKind::DOWNLOAD) {
             continue;

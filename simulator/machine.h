@@ -1,5 +1,5 @@
-// The machine that adapters.txt describes: its ports as the lines of the file, so that what nobody knows or
-// needs is kept, listed and written back as it stands.
+// The machine that adapters.txt describes: its ports as the lines of the file, so that lines of
+// unknown meaning are kept, listed and written back unchanged.
 #pragma once
 
 #include <cstdint>
@@ -27,31 +27,31 @@ struct Port {
 };
 
 struct Machine {
-    std::vector<Line> head;  // the lines in front of the first port
+    std::vector<Line> head;  // the lines before the first port
     std::vector<Port> ports;
     std::string_view lineEnd = "\n";
-    Script listing;                   // what the listing is to do
-    std::string_view callsFile;       // bare name of the file that takes the calls; empty for none
+    Script listing;                   // how the listing behaves
+    std::string_view callsFile;       // plain name of the file that records the calls; empty for none
     std::list<std::string> ownTexts;  // lines that were changed; a list, since lines point into it
 };
 
 // The first port with this number, null if there is none.
 Port* findPort(Machine& machine, uint32_t number);
 
-// The value of the port's first line with exactly this key: the first word, as readers of the listing take
+// The value of the port's first line with exactly this key: the first word, as readers of the listing read
 // it (up to a blank, comma or semicolon). Empty when the line or the value is missing.
 std::string_view attributeValue(const Port& port, std::string_view key);
 
-// Gives the port's first line with this key the value, or adds such a line behind the port's last attribute.
+// Gives the port's first line with this key the value, or adds such a line after the port's last attribute.
 void setAttribute(Machine& machine, Port& port, std::string_view key, std::string_view value);
 
-// Whether both ports sit on one board: the same serial number without regard to case, on the same bus. A port
+// Whether both ports are on one board: the same serial number without regard to case, on the same bus. A port
 // without a serial number is a board of its own.
 bool onSameBoard(const Port& left, const Port& right);
 
 // The options of the port's next scripted download. The line becomes a comment, so the next call gets the
 // next line. False when no line is left; the script is untouched then.
-bool takeDownloadScript(Machine& machine, Port& port, Script& script);
+bool useDownloadScript(Machine& machine, Port& port, Script& script);
 
 // The listing. With displayNames a port's Model line shows the name of its @model line, if it has one.
 std::string composeListing(const Machine& machine, bool displayNames);
@@ -59,7 +59,7 @@ std::string composeListing(const Machine& machine, bool displayNames);
 // The whole file's text, to be written back.
 std::string composeFile(const Machine& machine);
 
-// What stands behind the first word of a script line and one blank.
+// The text after the first word of a script line and one blank.
 std::string_view scriptArgument(std::string_view line);
 
 }  // namespace simulator

@@ -61,7 +61,7 @@ static constexpr Damage damages[] = {
     {"empty", "no bytes at all", [](Image& image) { image.size = 0; }},
     {"magic", "a magic number of no family", [](Image& image) { image.header.magic = 0xFEAA00FF; }},
     {"signature", "a signature of no family", [](Image& image) { image.header.signature = 0xF7FF0001; }},
-    {"mixed", "the signature of the next family behind the magic number of this one",
+    {"mixed", "the signature of the next family after the magic number of this one",
      [](Image& image) { image.header.signature = uint32_t{nextFamily(*image.family).signature} << 16 | 1; }},
     {"swapped", "the three words in little-endian order", [](Image& image) { image.order = ByteOrder::LITTLE; }},
     {"no-end", "a build string of 128 characters without a NUL",
@@ -165,7 +165,7 @@ static int readArguments(int count, char** arguments, Request& request) {
             return fail("unknown switch ", argument);
         }
         if (row->takesValue && ++i == count) {
-            return fail("a value is missing behind ", argument);
+            return fail("missing value after ", argument);
         }
         if (!row->read(row->takesValue ? arguments[i] : "", request)) {
             return fail("the value does not fit ", argument);
@@ -176,7 +176,7 @@ static int readArguments(int count, char** arguments, Request& request) {
 
 static int checkRequest(const Request& request) {
     if (request.family == nullptr || request.version.empty() || request.file == nullptr) {
-        return fail("a family, a version and a file have to be named", "");
+        return fail("a family, a version and a file are needed", "");
     }
     if (request.alternateMagic && request.family->secondMagic == 0) {
         return fail("this family has no second magic number", "");
@@ -200,7 +200,7 @@ static Image makeImage(const Request& request) {
     return image;
 }
 
-// The body is a pattern without meaning that is the same each time.
+// The body is a fixed pattern, so that the same command line makes the same file.
 static bool writeImage(const Image& image, FILE* file) {
     unsigned char bytes[GRP_HEADER_SIZE];
     encodeGrpHeader(image.header, image.order, bytes);
@@ -219,7 +219,7 @@ static bool writeImage(const Image& image, FILE* file) {
 static int saveImage(const Image& image, const char* path) {
     FILE* file = fopen(path, "wb");
     if (file == nullptr) {
-        return fail("the file cannot be made: ", path);
+        return fail("the file cannot be created: ", path);
     }
     bool written = writeImage(image, file);
     bool closed = fclose(file) == 0;

@@ -12,10 +12,10 @@ constexpr uint32_t LARGEST_FILLER = 16 * 1024 * 1024;
 // A line end in a stored version would make lines of its own in adapters.txt; a NUL would hide the rest.
 constexpr std::string_view VERSION_STOPS("\r\n\0", 3);
 
-// Where an option's value goes: exactly one of the three is set.
+// The field that an option's value is stored in: exactly one of the three is set.
 struct Destination {
     bool Script::*flag = nullptr;
-    std::optional<std::string> Script::*words = nullptr;
+    std::optional<std::string> Script::*text = nullptr;
     std::optional<uint32_t> Script::*number = nullptr;
     uint32_t limit = 0;  // of the number
 };
@@ -32,31 +32,31 @@ constexpr unsigned FOR_BOTH = FOR_DOWNLOAD | FOR_LISTING;
 // clang-format off
 constexpr Option knownOptions[] = {
     {"exit=N", FOR_BOTH, {.number = &Script::exitStatus, .limit = UINT32_MAX},
-        "exit status, up to 4294967295 (-1); Linux hands on the low 8 bits"},
+        "exit status, up to 4294967295 (-1); Linux passes on the low 8 bits"},
     {"delay=N", FOR_BOTH, {.number = &Script::delay, .limit = LONGEST_DELAY},
         "wait N milliseconds first, up to 600000"},
     {"crash", FOR_BOTH, {.flag = &Script::crash},
-        "die abnormally; nothing is printed, nothing is changed"},
+        "end as by a crash; nothing is printed, nothing is changed"},
     {"crash-after", FOR_BOTH, {.flag = &Script::crashAfter},
-        "die abnormally when all has been done and printed"},
+        "end as by a crash after everything is done and printed"},
     {"fill=N", FOR_BOTH, {.number = &Script::fill, .limit = LARGEST_FILLER},
-        "print N bytes of filler lines in front, up to 16777216"},
+        "print N bytes of filler lines before the output, up to 16777216"},
     {"fill-after=N", FOR_BOTH, {.number = &Script::fillAfter, .limit = LARGEST_FILLER},
-        "print N bytes of filler lines behind"},
+        "print N bytes of filler lines after it"},
     {"cut=N", FOR_LISTING, {.number = &Script::cut, .limit = UINT32_MAX},
-        "stop the listing behind its first N bytes; cut=0 prints nothing"},
-    {"reply=\"TEXT\"", FOR_DOWNLOAD, {.words = &Script::reply},
+        "stop the listing after its first N bytes; cut=0 prints nothing"},
+    {"reply=\"TEXT\"", FOR_DOWNLOAD, {.text = &Script::reply},
         "print TEXT and a line end; reply=\"\" prints nothing at all"},
     {"no-line-end", FOR_DOWNLOAD, {.flag = &Script::noLineEnd},
-        "leave the line end behind the reply away"},
-    {"version=TEXT", FOR_DOWNLOAD, {.words = &Script::version},
+        "omit the line end after the reply"},
+    {"version=TEXT", FOR_DOWNLOAD, {.text = &Script::version},
         "store TEXT as FW Version, whatever the image says"},
     {"lie", FOR_DOWNLOAD, {.flag = &Script::lie},
-        "reply as if all were well, but change nothing"},
+        "reply \"NO Error\", but change nothing"},
 };
 // clang-format on
 
-// Behind a backslash in a quoted text: the character as written, and what it stands for.
+// The character after a backslash in a quoted text, and the character that the pair means.
 struct Escape {
     char written;
     char meant;
@@ -64,7 +64,7 @@ struct Escape {
 
 constexpr Escape escapes[] = {{'n', '\n'}, {'r', '\r'}, {'t', '\t'}, {'0', '\0'}, {'\\', '\\'}, {'"', '"'}};
 
-// An option as it stands in the line. No value is something else than an empty one.
+// An option as it is written in the line. A missing value differs from an empty one.
 struct Token {
     std::string_view name;
     std::optional<std::string> value;
@@ -83,8 +83,8 @@ static bool appendEscape(char written, std::string& text) {
     return false;
 }
 
-// Takes a quoted text off the front of the rest, which begins behind the opening quotation mark.
-static bool takeQuoted(std::string_view& rest, std::string& text, std::string& message) {
+// Removes a quoted text from the start of the rest, which begins after the opening quotation mark.
+static bool cutQuoted(std::string_view& rest, std::string& text, std::string& message) {
     size_t at = 0;
     for (; at < rest.size() && rest[at] != '"'; at++) {
         if (rest[at] != '\\') {
@@ -93,7 +93,7 @@ static bool takeQuoted(std::string_view& rest, std::string& text, std::string& m
         }
         at++;
         if (at == rest.size() || !appendEscape(rest[at], text)) {
-            return refuse(message, {"behind a backslash only n r t 0 \\ \" are known"});
+            return refuse(message, {"only n r t 0 \\ \" may follow a backslash"});
         }
     }
     if (at == rest.size()) {
@@ -101,19 +101,19 @@ static bool takeQuoted(std::string_view& rest, std::string& text, std::string& m
     }
     rest.remove_prefix(at + 1);
     if (!rest.empty() && !trim(rest.substr(0, 1)).empty()) {
-        return refuse(message, {"a blank is missing behind a quoted text"});
+        return refuse(message, {"a blank is missing after a quoted text"});
     }
     return true;
 }
 
-static std::string_view takeUpTo(std::string_view& rest, std::string_view stops) {
-    std::string_view taken = rest.substr(0, rest.find_first_of(stops));
-    rest.remove_prefix(taken.size());
-    return taken;
+static std::string_view cutUpTo(std::string_view& rest, std::string_view stops) {
+    std::string_view start = rest.substr(0, rest.find_first_of(stops));
+    rest.remove_prefix(start.size());
+    return start;
 }
 
-static bool takeToken(std::string_view& rest, Token& token, std::string& message) {
-    token.name = takeUpTo(rest, " \t=");
+static bool readToken(std::string_view& rest, Token& token, std::string& message) {
+    token.name = cutUpTo(rest, " \t=");
     token.value.reset();
     if (!rest.starts_with('=')) {
         return true;
@@ -121,11 +121,11 @@ static bool takeToken(std::string_view& rest, Token& token, std::string& message
     rest.remove_prefix(1);
     token.value.emplace();
     if (!rest.starts_with('"')) {
-        *token.value = takeUpTo(rest, " \t");
+        *token.value = cutUpTo(rest, " \t");
         return true;
     }
     rest.remove_prefix(1);
-    return takeQuoted(rest, *token.value, message);
+    return cutQuoted(rest, *token.value, message);
 }
 
 static std::string_view nameOf(const Option& option) {
@@ -145,22 +145,22 @@ static bool storeNumber(const Option& option, const Token& token, Script& script
     script.*option.to.number = readNumber(*token.value, 10, option.to.limit);
     return (script.*option.to.number).has_value() ||
            refuse(message,
-                  {"the value of '", nameOf(option), "' is no number from 0 to ", std::to_string(option.to.limit)});
+                  {"the value of '", nameOf(option), "' is not a number from 0 to ", std::to_string(option.to.limit)});
 }
 
-static bool storeWords(const Option& option, const Token& token, Script& script, std::string& message) {
-    bool isVersion = option.to.words == &Script::version;
+static bool storeText(const Option& option, const Token& token, Script& script, std::string& message) {
+    bool isVersion = option.to.text == &Script::version;
     if (isVersion && token.value->find_first_of(VERSION_STOPS) != std::string::npos) {
-        return refuse(message, {"a version holds no line end and no NUL"});
+        return refuse(message, {"a version cannot hold a line end or a NUL"});
     }
-    script.*option.to.words = *token.value;
+    script.*option.to.text = *token.value;
     return true;
 }
 
 static bool storeToken(const Token& token, ScriptUse use, Script& script, std::string& message) {
     const Option* option = findOption(token.name, use);
     if (option == nullptr) {
-        return refuse(message, {"'", token.name, "' is no option of this line"});
+        return refuse(message, {"'", token.name, "' is not an option of this line"});
     }
     if ((option->to.flag == nullptr) != token.value.has_value()) {
         return refuse(message, {"this option is written ", option->spelling});
@@ -168,8 +168,8 @@ static bool storeToken(const Token& token, ScriptUse use, Script& script, std::s
     if (option->to.number != nullptr) {
         return storeNumber(*option, token, script, message);
     }
-    if (option->to.words != nullptr) {
-        return storeWords(*option, token, script, message);
+    if (option->to.text != nullptr) {
+        return storeText(*option, token, script, message);
     }
     script.*option->to.flag = true;
     return true;
@@ -179,7 +179,7 @@ bool readScript(std::string_view options, ScriptUse use, Script& script, std::st
     std::string_view rest = trim(options);
     Token token;
     while (!rest.empty()) {
-        if (!takeToken(rest, token, message) || !storeToken(token, use, script, message)) {
+        if (!readToken(rest, token, message) || !storeToken(token, use, script, message)) {
             return false;
         }
         rest = trim(rest);

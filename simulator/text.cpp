@@ -51,6 +51,34 @@ std::optional<uint32_t> readPortNumber(std::string_view text) {
     return number;
 }
 
+static void appendUtf8(char32_t character, std::string& text) {
+    // How many continuation bytes follow, and the bits that mark the first byte.
+    unsigned following = character < 0x80 ? 0 : character < 0x800 ? 1 : character < 0x10000 ? 2 : 3;
+    constexpr unsigned marks[] = {0x00, 0xC0, 0xE0, 0xF0};
+    text += static_cast<char>(marks[following] | character >> (6 * following));
+    while (following-- > 0) {
+        text += static_cast<char>(0x80 | (character >> (6 * following) & 0x3F));
+    }
+}
+
+std::string utf8Of(std::u16string_view units) {
+    constexpr char32_t REPLACEMENT = 0xFFFD;
+    std::string text;
+    for (size_t at = 0; at < units.size(); at++) {
+        char32_t unit = units[at];
+        bool isFirst = unit >= 0xD800 && unit < 0xDC00;
+        bool isSecond = unit >= 0xDC00 && unit < 0xE000;
+        char32_t next = at + 1 < units.size() ? units[at + 1] : 0;
+        if (isFirst && next >= 0xDC00 && next < 0xE000) {
+            appendUtf8(0x10000 + ((unit - 0xD800) << 10) + (next - 0xDC00), text);
+            at++;
+        } else {
+            appendUtf8(isFirst || isSecond ? REPLACEMENT : unit, text);
+        }
+    }
+    return text;
+}
+
 bool refuse(std::string& message, std::initializer_list<std::string_view> parts) {
     message.clear();
     for (std::string_view part : parts) {

@@ -22,7 +22,10 @@ std::optional<uint32_t> readNumber(std::string_view text, int base, uint32_t lim
 // A port's number in decimal. A caller may have printed the 32 bits with a sign, so -1 means 4294967295.
 std::optional<uint32_t> readPortNumber(std::string_view text);
 
-// Puts the parts together into the message. Always false, so that a reader refuses and explains in one go.
+// UTF-16 as UTF-8. U+FFFD replaces half a surrogate pair.
+std::string utf8Of(std::u16string_view units);
+
+// Joins the parts into the message. Always returns false, so that a reader can refuse and explain in one statement.
 bool refuse(std::string& message, std::initializer_list<std::string_view> parts);
 
 }  // namespace simulator

@@ -16,7 +16,7 @@ constexpr int EXIT_TROUBLE = 2;
 
 using Arguments = std::span<char*>;
 
-// A command and what carries it out: gets the arguments behind the command's word, returns the exit status.
+// A command and its function, which gets the arguments after the command's word and returns the exit status.
 struct Command {
     std::string_view word;
     int (*run)(Store& store, Arguments arguments);
@@ -30,10 +30,10 @@ static int fail(const std::string& problem) {
 }
 
 static int failOnUsage() {
-    return fail("the arguments are not understood; 'winhbcfg.exe /?' shows how it is called");
+    return fail("unknown arguments; 'winhbcfg.exe /?' shows the usage");
 }
 
-// Prints all of the output at once and ends with the exit status, or with the crash that was asked for.
+// Prints the whole output and returns the exit status, or crashes if the script asks for it.
 static int answer(const std::string& output, uint32_t exitStatus, bool crashAfter) {
     bool whole = fwrite(output.data(), 1, output.size(), stdout) == output.size();
     if (fflush(stdout) != 0 || !whole) {
@@ -135,7 +135,7 @@ int main(int argc, char** argv) {
     const Command* command = arguments.empty() ? nullptr : findCommand(arguments[0]);
     Store store;
     std::string problem;
-    // A call that is not understood is recorded too, since it shows a mistake of the caller.
+    // An unknown call is recorded, too: it shows a mistake of the caller.
     bool ready = loadStore(programDirectory(), store, problem) && recordCall(store, arguments, problem);
     if (command == nullptr) {
         return failOnUsage();

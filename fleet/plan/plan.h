@@ -18,7 +18,7 @@ Usage: tarnfleet plan LISTINGS -o DIR [--timeout SECONDS] -- SWITCHES
     --timeout   the longest time for one server; 60 seconds if not named
     SWITCHES    of tarnlift.exe: one of /update /rewrite /downgrade /ff, with
                 /auto /id= /fmd= /vpd. Relative paths count from the current
-                directory; /id= and /fmd= are by default that of tarnlift.exe
+                directory; /id= and /fmd= are by default that of tarnfleet
 
 For each server 'tarnlift.exe /p /xml SWITCHES' is run beside the simulated
 winhbcfg.exe, never beside the real one. It leaves NAME.xml and NAME.code, or

@@ -17,35 +17,54 @@ constexpr size_t LARGEST_PROGRAM = size_t{64} * 1024 * 1024;
 
 }  // namespace
 
-static bool readUtility(const fs::path& directory, std::string& program, std::string& problem) {
-    const std::array<fs::path, 2> places = {directory / UTILITY_NAME, directory / REHEARSAL_FOLDER / UTILITY_NAME};
+// Windows programs begin with these letters. Both systems' programs have the same file names.
+static bool isOfThisSystem(std::string_view program) {
+#ifdef _WIN32
+    return program.starts_with("MZ");
+#else
+    return !program.starts_with("MZ");
+#endif
+}
+
+static bool isSimulated(std::string_view program) {
+    return program.find(SIMULATED_UTILITY_MARK) != std::string_view::npos;
+}
+
+static bool isAny(std::string_view /*program*/) {
+    return true;
+}
+
+// Reads the first file of this name that is accepted. Appends to the problem why others are not.
+static bool readProgram(const fs::path& directory, const char* name, bool (*isWanted)(std::string_view),
+                        std::string& program, std::string& problem) {
+    const std::array<fs::path, 2> places = {directory / name, directory / REHEARSAL_FOLDER / name};
     for (const fs::path& place : places) {
         FileContent content = readFile(place, LARGEST_PROGRAM);
-        if (content.bytes.find(SIMULATED_UTILITY_MARK) != std::string::npos) {
+        std::string fault = content.fault;
+        if (fault.empty() && !isOfThisSystem(content.bytes)) {
+            fault = "is a program of another system";
+        } else if (fault.empty() && !isWanted(content.bytes)) {
+            fault = "is not the simulated adapter utility, and a plan runs no other";
+        }
+        if (fault.empty()) {
             program = std::move(content.bytes);
             return true;
         }
         if (content.exists) {
-            problem += textOf(place) + " is not the simulated adapter utility, and a plan runs no other. ";
+            problem.append(textOf(place)).append(" ").append(fault).append(". ");
         }
     }
-    problem.append("The simulated ").append(UTILITY_NAME).append(" must be beside tarnfleet, or there in the folder '");
-    problem.append(REHEARSAL_FOLDER).append("'");
+    problem.append(name)
+        .append(" must be beside tarnfleet, or there in the folder '")
+        .append(REHEARSAL_FOLDER)
+        .append("'");
     return false;
 }
 
 bool fleet::readRehearsalPrograms(const fs::path& directory, RehearsalPrograms& programs, std::string& problem) {
     problem.clear();
-    FileContent content = readFile(directory / UPDATER_NAME, LARGEST_PROGRAM);
-    if (!content.exists) {
-        content = readFile(directory / REHEARSAL_FOLDER / UPDATER_NAME, LARGEST_PROGRAM);
-    }
-    if (!content.fault.empty()) {
-        problem = textOf(directory / UPDATER_NAME) + ", which a plan runs, " + content.fault;
-        return false;
-    }
-    programs.updater = std::move(content.bytes);
-    return readUtility(directory, programs.utility, problem);
+    return readProgram(directory, UPDATER_NAME, isAny, programs.updater, problem) &&
+           readProgram(directory, UTILITY_NAME, isSimulated, programs.utility, problem);
 }
 
 static bool installProgram(const std::string& content, const fs::path& file, std::string& problem) {

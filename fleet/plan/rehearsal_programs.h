@@ -12,9 +12,10 @@ struct RehearsalPrograms {
     std::string utility;
 };
 
-// Reads tarnlift.exe and winhbcfg.exe from `directory` or from the release's folder for rehearsals there. Only a file
-// that holds the mark of the simulated utility is accepted as winhbcfg.exe, since the real one has the same name and
-// reaches the adapters of this machine. On false the problem says what is missing.
+// Reads tarnlift.exe and winhbcfg.exe from `directory`, or from the release's folder for rehearsals there. Programs of
+// the other system are skipped. Only a file that holds the mark of the simulated utility is accepted as winhbcfg.exe,
+// since the real one has the same name and reaches the adapters of this machine. On false the problem says what is
+// missing.
 bool readRehearsalPrograms(const std::filesystem::path& directory, RehearsalPrograms& programs, std::string& problem);
 
 // Writes both programs into a directory. On false the problem says why that failed.

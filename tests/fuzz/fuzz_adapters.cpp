@@ -9,7 +9,7 @@ extern "C" int LLVMFuzzerTestOneInput(const char* data, size_t size) {
         return 0;
     }
     for (simulator::Port& port : machine.ports) {
-        simulator::takeDownloadScript(machine, port, script);
+        simulator::useDownloadScript(machine, port, script);
         simulator::setAttribute(machine, port, "FW Version", "14.1");
     }
     simulator::composeListing(machine, true);

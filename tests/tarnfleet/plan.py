@@ -201,10 +201,26 @@ class Plan(MachineTest):
         code, _, problems = self.plan(programs=programs)
         self.assertEqual(code, 3)
         self.assertIn("winhbcfg.exe is not the simulated adapter utility, and a plan runs no other", problems)
+        (programs / "tarnlift.exe").write_bytes(b"text" if WINDOWS else b"MZ")
+        self.assertIn("tarnlift.exe is a program of another system", self.plan(programs=programs)[2])
         rehearsal = programs / "rehearsal only - simulated adapters"
         rehearsal.mkdir()
-        shutil.copy(BIN / "winhbcfg.exe", rehearsal)
+        for name in ("tarnlift.exe", "winhbcfg.exe"):
+            shutil.copy(BIN / name, rehearsal)
         self.assertEqual(self.plan(programs=programs)[0], 0)
+        if WINDOWS:
+            self.assertIn("Simulated adapter utility".encode("utf-16-le"), (BIN / "winhbcfg.exe").read_bytes())
+
+    def test_the_simulator_understands_a_saved_listing_too(self):
+        listed = LISTING.rstrip("\n") + "\n"
+        for content in (LISTING.encode(), (BANNER + LISTING).replace("\n", "\r\n").encode("utf-16")):
+            (self.top / "adapters.txt").write_bytes(content)
+            done = subprocess.run([*WINE, self.top / "winhbcfg.exe", "listattr", "/c"], stdout=subprocess.PIPE, check=True)
+            self.assertEqual(done.stdout.decode().replace("\r\n", "\n"), listed)
+        (self.top / "adapters.txt").write_text("HBA 1\nPort WWN: 1\n")
+        done = subprocess.run([*WINE, self.top / "winhbcfg.exe", "listattr"], stderr=subprocess.PIPE, check=False)
+        self.assertEqual(done.returncode, 2)
+        self.assertIn(b"adapters.txt:2: this line is outside a port's block, which starts with 'HBA: <number>'", done.stderr)
 
     def test_a_plan_replaces_only_an_earlier_plan(self):
         results = self.top / "plan"
