@@ -30,6 +30,7 @@ add_role() {
             "pdftotext poppler-utils"
             "/usr/lib/python3/dist-packages/selenium python3-selenium"
             "/usr/lib/python3/dist-packages/ansible_collections/ansible/windows ansible"
+            "ansible-lint ansible-lint"
             "python3 python3"
             "clang-format clang-format"
             "clang-tidy clang-tidy"

@@ -1,33 +1,153 @@
 """The roll-out with Ansible, on the simulated servers of its rehearsal."""
+import json
 import os
 import re
 import subprocess
+import sys
 import tempfile
 import unittest
 from pathlib import Path
 
 DEPLOY = Path(__file__).resolve().parents[2] / "deploy/ansible"
-ENDED = """auto changed, canary changed, current ok, half failed, liar failed, no-adapters ok, old-system failed,
-    reboot changed, refuses failed, twice changed, two-boards changed, waits changed""".replace(",", "").split()
+ROLE = DEPLOY / "roles/tarnlift"
+# Ansible belongs to the interpreter of the system, which need not be this one.
+sys.path += [str(ROLE / "action_plugins"), str(ROLE / "filter_plugins"), "/usr/lib/python3/dist-packages"]
+import tarnlift as rights  # noqa: E402
+import tarnlift_check_variables as variables  # noqa: E402
+import tarnlift_end as end  # noqa: E402
+import tarnlift_plan as plan  # noqa: E402
+
+UPDATED = {
+    "auto": "changed updated", "canary": "changed updated", "current": "ok current", "half": "failed failed",
+    "intruder": "failed none", "liar": "failed not-installed", "lost": "changed updated", "no-adapters": "ok no-adapters",
+    "node1": "changed updated", "node2": "changed updated", "old-system": "failed failed", "refuses": "failed failed",
+    "twin": "failed none", "two-boards": "changed updated", "unlisted": "ok skipped", "waits": "failed waiting"}
 
 
-class Fleet(unittest.TestCase):
-    def test_the_windows_tasks_are_well_formed(self):
-        subprocess.run(["ansible-playbook", "--syntax-check", DEPLOY / "rehearsal/windows.yml"], check=True)
+class Rehearsal(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.top = tempfile.TemporaryDirectory()
+        cls.results = Path(cls.top.name, "fleet")
+        subprocess.run([DEPLOY / "rehearsal/run.sh", os.environ["TARNLIFT_BIN"], cls.results], check=True)
 
-    def test_the_rehearsed_servers_end_as_they_must(self):
-        with tempfile.TemporaryDirectory() as top:
-            subprocess.run([DEPLOY / "rehearsal/run.sh", os.environ["TARNLIFT_BIN"], top + "/fleet"], check=True)
-            text = {file.name: file.read_text(errors="replace") for file in Path(top, "fleet").glob("*.*")}
-        self.assertEqual(text["check.ended"].split(), ["canary", "changed", "current", "ok"])
-        self.assertEqual(text["update.ended"].split(), ENDED)
-        self.assertEqual(text["again.ended"].split(), [word.replace("changed", "ok") for word in ENDED])
-        self.assertEqual(text["limit.ended"].split(), ["canary", "ok", "refuses", "failed"])
-        self.assertNotIn("download", text["check.calls"])
-        self.assertEqual(set(re.findall("(.+)/.*reboot", text["again.calls"])), {"reboot", "twice", "two-boards"})
-        self.assertIn("22:01 runs 14.2.100.5, not 14.4.473.14", text["update.log"])
-        for said in ("12 servers, 24 ports", *ENDED[::2]):
-            self.assertIn(said, re.sub("<[^>]*>", "", text["fleet.html"]))
+    @classmethod
+    def tearDownClass(cls):
+        cls.top.cleanup()
+
+    def ended(self, step):
+        return {line.split()[0]: " ".join(line.split()[1:]) for line in self.text(f"{step}.ended").splitlines()}
+
+    def text(self, name):
+        return (self.results / name).read_text(errors="replace")
+
+    def calls(self, step):
+        return self.text("calls.txt").split(f"== {step}\n")[1].split("== ")[0].splitlines()
+
+    def last_line(self, step, server):
+        return re.findall(f"^{server}: (.*)$", self.text(f"{step}.log"), re.MULTILINE)[-1]
+
+    def test_a_misspelled_variable_is_refused_by_its_name(self):
+        self.assertIn("unknown variable tarnlift_aply (did you mean tarnlift_apply?)", self.text("misspelled.log"))
+        self.assertEqual(set(self.ended("misspelled").values()), {"failed none"})
+
+    def test_without_a_word_nothing_is_written(self):
+        self.assertEqual(self.ended("preview")["canary"], "changed would-update")  # changed: the files were copied
+        for step in ("misspelled", "preview", "check"):
+            self.assertEqual(self.calls(step), [], step)
+        self.assertEqual(self.ended("check"), {"canary": "changed would-update", "current": "ok current"})
+
+    def test_each_server_ends_as_its_adapters_do(self):
+        self.assertEqual(self.ended("update"), UPDATED)
+        self.assertEqual(self.ended("again"), {"canary": "ok current", "two-boards": "ok current", "refuses": "failed failed"})
+
+    def test_the_last_line_of_a_failed_server_names_ports_and_reasons(self):
+        for server, reason in (
+                ("liar", r"10:00:[0-9A-F:]+:01, 10:00:[0-9A-F:]+:02 \(QVa5104\): the query .* shows 14.2.100.5, not 14.4.473.14"),
+                ("half", r"\(QVa6102\): Download failed.*no reboot, since the server failed"),
+                ("old-system", "return code 9"),
+                ("intruder", r"C:\\Tarnlift\\version.dll")):
+            self.assertRegex(self.last_line("update", server), reason)
+
+    def test_partners_reboot_one_after_the_other_between_their_tasks(self):
+        lines = self.text("reboots.txt").split("\n")
+        self.assertEqual([line for line in lines if "node" in line],
+                         ["node1 drained", "node1", "node1 resumed", "node2 drained", "node2", "node2 resumed"])
+        self.assertIn("left as it is, since refuses of the partners pair-a failed", self.last_line("update", "twin"))
+        self.assertIn("no reboot, since partners do not answer: killed", self.last_line("update", "waits"))
+
+    def test_an_update_outlives_its_session(self):
+        self.assertEqual(sum(call.startswith("lost download") for call in self.calls("update")), 1)
+        self.assertIn("the session was lost", self.text("update.log"))
+
+    def test_an_update_outlives_the_controller_and_is_picked_up(self):
+        self.assertEqual(self.text("killed.left").split(), ["report.xml"])  # no return code yet: the download went on
+        self.assertEqual(self.ended("resumed"), {"killed": "changed updated"})
+        self.assertEqual(sum("download" in call for call in self.calls("resumed")), 1)
+        self.assertIn("an earlier play started", self.last_line("resumed", "killed"))
+
+    def test_a_batch_with_too_many_failures_is_the_last_one(self):
+        self.assertIn("refuses of the last batch failed", self.text("stop.log"))
+        self.assertEqual(self.ended("stop")["auto"], "ok none")
+
+    def test_the_modules_of_windows_get_what_they_must(self):
+        told = (self.results / "servers/node1/modules.txt").read_text().replace(str(self.results), "RESULTS")
+        expected = Path(__file__).with_name("windows_calls.txt").read_text()
+        self.assertEqual(told.splitlines(), expected.splitlines())
+        modules = {line.split()[0] for line in told.splitlines()}
+        documented = json.loads(subprocess.run(
+            ["ansible-doc", "--json", "--type", "module", *[f"ansible.windows.{module}" for module in modules]],
+            check=True, capture_output=True).stdout)
+        for line in told.splitlines():
+            module, options = line.split(" ", 1)
+            known = {"async", "poll", "environment", *documented[f"ansible.windows.{module}"]["doc"]["options"]}
+            self.assertLessEqual(set(json.loads(options)), known, module)
+
+    def test_the_play_ends_with_the_list_and_the_page(self):
+        last = self.text("update.log").split("PLAY RECAP")[1]
+        self.assertRegex(last, "(?s)refuses.*not-installed.*waits .*updated")
+        self.assertIn(f"Page: {self.results}/fleet.html", last)
+        self.assertTrue((self.results / "fleet.html").stat().st_size)
+
+
+class Rules(unittest.TestCase):
+    def test_partners_are_in_different_batches(self):
+        servers = [(name, name[0]) for name in ("a1", "a2", "a3", "b1", "b2")] + [("x", ""), ("y", ""), ("z", "")]
+        self.assertEqual(plan.divide(servers, [1, "50%"]), [["a1"], ["a2", "b1", "x", "y"], ["a3", "b2", "z"]])
+
+    def test_a_directory_that_is_unfit_for_temp_is_refused(self):
+        self.assertIsNone(variables.directory_problem(r"D:\Tools\Tarnlift-2"))
+        for sign in "&|<>^% ,;='\"\t":
+            self.assertIn("TEMP", variables.directory_problem(f"C:\\Tarn{sign}lift"), sign)
+        for directory in ("C:\\", "Tarnlift", r"\\server\share\x", r"C:\a\..\Windows", "C:\\" + 150 * "a"):
+            self.assertIsNotNone(variables.directory_problem(directory), directory)
+
+    def test_only_administrators_and_the_system_may_have_rights(self):
+        top, below = "O:BAG:SYD:PAI(A;OICI;FA;;;SY)(A;OICI;FA;;;BA)", "O:SYD:AI(A;ID;FA;;;BA)(A;ID;FA;;;SY)"
+        self.assertIsNone(rights.rights_problem(top, True, True))
+        self.assertIsNone(rights.rights_problem(below, False, False))
+        for sddl, problem in ((top.replace("O:BA", "O:S-1-5-21-7"), "owner is S-1-5-21-7"), (top.replace("PAI", "AI"), "inherits"),
+                              (top + "(A;OICI;FR;;;WD)", "A;OICI;FR;;;WD"), (top[:-17], "lack"), ("O:BAG:SY", "no list")):
+            self.assertIn(problem, rights.rights_problem(sddl, True, True))
+        self.assertIn("(A;;FA;;;BA)", rights.rights_problem(below + "(A;;FA;;;BA)", False, False))
+
+    def test_a_key_of_the_return_codes_changes_alone(self):
+        codes, problems = variables.merged_codes({5: {"outcome": "state", "text": "none"}, 7: {"outcome": "state"}},
+                                                 {"5": {"outcome": "failed"}, "x": {}, 7: {"outcome": "fine"}})
+        self.assertEqual(codes, {5: {"outcome": "failed", "text": "none"}, 7: {"outcome": "state"}})
+        self.assertEqual(len(problems), 2)
+        self.assertEqual([end.outcome_of(*case) for case in (
+            ("no-adapters", codes[5], []), ("failed", {"outcome": "ok"}, []), ("not-installed", {"outcome": "ok"}, []),
+            ("skipped", {}, []), ("skipped", {}, ["skipped"]))], ["failed", "ok", "failed", "ok", "failed"])
+
+
+class Sources(unittest.TestCase):
+    def test_ansible_lint_finds_nothing(self):
+        files = ["update-firmware.yml", "roles/tarnlift", "inventory.example.yml", "rehearsal/hosts.yml",
+                 *[str(file.relative_to(DEPLOY)) for folder in ("examples", "rehearsal/hooks") for file in DEPLOY.glob(f"{folder}/*.yml")]]
+        ended = subprocess.run(["ansible-lint", "--offline", "--nocolor", "--parseable", *files], cwd=DEPLOY, text=True,
+                               capture_output=True)
+        self.assertEqual((ended.returncode, ended.stdout), (0, ""), ended.stderr)
 
 
 unittest.main()

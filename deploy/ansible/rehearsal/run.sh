@@ -1,106 +1,79 @@
 #!/usr/bin/env bash
-# Rehearses the roll-out on twelve simulated servers: preview, check mode, update, a second update, and a batch that
-# stops the rest. Needs ansible-core and xsltproc.
-# Usage: run.sh [BIN-DIRECTORY [DIRECTORY]]      default: build/native/bin and build/rehearsal
-# DIRECTORY is made anew. Each step leaves STEP.log, STEP.ended (changed, ok or failed for each server) and STEP.calls
-# (what the adapter utilities were asked so far); the update leaves reports/, fleet.xml and fleet.html, the other steps
-# leave them in STEP/.
+# Rehearses the roll-out on simulated servers: the role's own tasks, with stand-ins for the modules of Windows.
+# Usage: run.sh [--hosts N] [BIN-DIRECTORY [DIRECTORY]]      default: build/native/bin and build/rehearsal
+#
+# Steps: a misspelled variable; check mode; the preview, which is the default; the update in batches, during which one
+# connection is lost; a second update; a controller that is killed during a download, and the play that follows; a batch
+# that stops the rest. With --hosts N: preview and update of N servers, with their times.
+#
+# DIRECTORY is made from scratch. Each step leaves in it STEP.log and STEP.ended: for each server changed, ok or failed,
+# and the state by its reports.
+# calls.txt names what the adapter utilities were asked to write or reboot, by step.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
+many=0
+if [ "${1:-}" = --hosts ]; then
+    many=$2
+    shift 2
+fi
 bin=$(realpath "${1:-$here/../../../build/native/bin}")
 directory=$(realpath -m "${2:-$here/../../../build/rehearsal}")
-sample=$here/../../../simulator/adapters.sample.txt
-old=14.2.100.5
-new=14.4.473.14
+. "$here/servers.sh"
 
-server() {
-    name=$1
-    mkdir -p "$directory/servers/$name"
-    adapters=$directory/servers/$name/adapters.txt
-    printf '@calls calls.txt\n' >"$adapters"
+play() {
+    ansible-playbook -i "$inventory" "$here/../update-firmware.yml" -e "rehearsal=$directory" \
+        -e "tarnlift_results=$directory" -e "tarnlift_tarnfleet=$bin/tarnfleet" "$@"
 }
 
-# A board with two ports: model, PCI device ID, version, and how each of its downloads ends.
-board() {
-    local port
-    boards=$((boards + 1))
-    for port in 1 2; do
-        {
-            echo
-            sed -n '/^HBA: 1$/,/^$/p' "$sample" | sed -e '/^@download/d' -e '/^$/d' -e "s/QVa5104/$1/" \
-                -e "s/^\(HBA\): .*/\1: $((boards * 2 + port))/" \
-                -e "s/^\(Port WWN\): .*/\1: 10:00:aa:bb:00:00:$boards:0$port/" \
-                -e "s/^\(PCI Bus Number\): .*/\1: $boards/" \
-                -e "s/^\(PCI Fun Number\): .*/\1: $((port - 1))/" \
-                -e "s/^\(Device ID\): .*/\1: $2/" \
-                -e "s/^\(Serial Number\): .*/\1: B$boards/" \
-                -e "s/^\(FW Version\): .*/\1: $3/"
-        } >>"$adapters"
-        if [ "$port" -eq 1 ] && [ -n "${4:-}" ]; then
-            printf '@download %s\n' "$4" "$4" "$4" "$4" >>"$adapters"
-        fi
-    done
-}
-
-set_up_servers() {
-    boards=10
-    local refusal='exit=92 reply="Error: not on this board"'
-    server canary
-    board QVa5104 E300 $old exit=96
-    server current
-    board QVa5104 E300 $new
-    server refuses
-    board QVa5104 E300 $old "$refusal"
-    server old-system
-    board QVa5104 E300 $old
-    mkdir "$directory/servers/old-system/host"
-    echo 6 >"$directory/servers/old-system/host/os-version"
-    server reboot
-    board QVa5104 E300 $old exit=80
-    server waits
-    board QVa5104 E300 $old exit=80
-    server two-boards
-    board QVa5104 E300 $old exit=80
-    board QVa6102 F400 $old exit=96
-    server half
-    board QVa5104 E300 $old exit=80
-    board QVa6102 F400 $old "$refusal"
-    server auto
-    board QVa6102 F400 $old exit=96
-    server liar
-    board QVa5104 E300 $old lie
-    server twice
-    board QVa5104 E300 $old exit=87
-    server no-adapters
-    # A forgotten file that /auto would take.
-    mkdir "$directory/servers/auto/firmware"
-    "$bin/mkgrp" --family 65 --version 14.9.999.9 "$directory/servers/auto/firmware/forgotten.grp.old"
-}
-
-set_up_firmware_set() {
-    local set=$directory/firmware-set
-    mkdir -p "$set/firmware" "$set/temp"
-    cp "$bin/tarnlift.exe" "$bin/winhbcfg.exe" "$set/"
-    "$bin/mkgrp" --family 64 --version $new "$set/firmware/a5104.grp"
-    "$bin/mkgrp" --family 65 --version $new "$set/firmware/a6102.grp"
-    printf '%s\n' 'QVa5104 a5104.grp' 'QVa6102 a6102.grp' >"$set/fwmatrix.txt"
-    tar -C "$set" -cf "$set.tar" .
-}
-
-# A step: its name, the directory of its results, and what else the play is told. Servers may fail, the play must run.
+# A step: its name, and what else the play is told. Servers may fail, the play must run.
 step() {
-    local name=$1 results=$2 code=0
-    shift 2
+    local name=$1 code=0
+    shift
     echo "== $name"
-    ansible-playbook -i "$here/hosts.yml" "$here/../update-firmware.yml" -e "rehearsal=$directory" \
-        -e "tarnlift_results=$results" "$@" >"$directory/$name.log" 2>&1 || code=$?
-    (cd "$directory/servers" && grep -H . -- */calls.txt >"../$name.calls") || true
+    play "$@" >"$directory/$name.log" 2>&1 || code=$?
     awk '/ : ok=/ { print $1, (/ (failed|unreachable)=[1-9]/ ? "failed" : /changed=0/ ? "ok" : "changed") }' \
-        "$directory/$name.log" | tee "$directory/$name.ended"
+        "$directory/$name.log" | while read -r server outcome; do
+        echo "$server $outcome $(state_of "$server")"
+    done | tee "$directory/$name.ended"
+    note_calls "$name"
     if [ "$code" -ne 0 ] && [ "$code" -ne 2 ]; then
         cat "$directory/$name.log"
         exit "$code"
     fi
+}
+
+# The state of a server by what the play kept of it, or "none".
+state_of() {
+    local kept=$directory/reports/$1
+    local files=("$kept.xml")
+    [ -e "$kept.xml" ] || { echo none && return; }
+    [ ! -e "$kept.query.xml" ] || files+=("$kept.query.xml")
+    [ ! -e "$kept.rebooted" ] || files+=(--rebooted)
+    "$bin/tarnfleet" check "${files[@]}" --code "$(cat "$kept.code")" | sed 's/^{"state":"\([^"]*\)".*/\1/'
+}
+
+note_calls() {
+    {
+        echo "== $1"
+        (cd "$directory/servers" && grep -sv '^listattr' -- */Tarnlift/calls.txt | sed 's|/Tarnlift/calls.txt:| |') || true
+    } >>"$directory/calls.txt"
+    find "$directory/servers" -name calls.txt -delete
+}
+
+# The play runs in a session of its own. All of it is killed as soon as the server downloads.
+kill_during_download() {
+    local server=$1 session
+    echo "== killed"
+    setsid ansible-playbook -i "$inventory" "$here/../update-firmware.yml" -e "rehearsal=$directory" --limit "$server" \
+        -e "tarnlift_results=$directory" -e "tarnlift_tarnfleet=$bin/tarnfleet" -e tarnlift_apply=true \
+        >"$directory/killed.log" 2>&1 &
+    session=$!
+    until grep -q '^download' "$directory/servers/$server/Tarnlift/calls.txt" 2>/dev/null; do
+        kill -0 "$session"
+        sleep 0.1
+    done
+    kill -KILL -- "-$session"
+    ls "$directory/servers/$server/Tarnlift/run" >"$directory/killed.left"
 }
 
 export ANSIBLE_CONFIG=$here/ansible.cfg LC_ALL=C.UTF-8 PYTHONDONTWRITEBYTECODE=1
@@ -110,12 +83,25 @@ if [ -e "$directory" ] && [ ! -d "$directory/servers" ]; then
 fi
 rm -rf "$directory"
 mkdir -p "$directory/servers"
-set_up_servers
 set_up_firmware_set
-by_four=(-e tarnlift_batches=4 -e tarnlift_max_fail_percentage=50)
-step preview "$directory/preview" "${by_four[@]}" -e tarnlift_preview_only=true
-step check "$directory/check" "${by_four[@]}" --check --limit canary:current
-step update "$directory" "${by_four[@]}"
-step again "$directory/again" "${by_four[@]}"
-step limit "$directory/limit" -e tarnlift_batches=2 --limit canary:refuses:reboot:auto
-echo "The page of the update: $directory/fleet.html"
+write=(-e tarnlift_apply=true)
+if [ "$many" -gt 0 ]; then
+    set_up_many "$many"
+    inventory=$directory/hosts.yml
+    time step preview -e tarnlift_batches=100% >/dev/null
+    time step update "${write[@]}" -e '{"tarnlift_batches": [1, "10%", "25%"], "tarnlift_max_fail_percentage": 50}' >/dev/null
+    sed -n '/PLAY RECAP/,$p' "$directory/update.log" | grep -v ' : ok='
+    exit
+fi
+set_up_servers
+inventory=$here/hosts.yml
+step misspelled -e tarnlift_aply=true --limit canary,current
+step preview -e tarnlift_batches=100% --limit canary,current,no-adapters,node1,unlisted,killed
+step check "${write[@]}" --check --limit canary,current
+step update "${write[@]}" -e tarnlift_batches=8 -e tarnlift_max_fail_percentage=100 --limit 'tarnlift:!killed'
+step again "${write[@]}" -e tarnlift_batches=100% --limit canary,two-boards,refuses
+rm "$directory/servers/killed/down"
+kill_during_download killed
+step resumed "${write[@]}" --limit killed
+step stop "${write[@]}" -e tarnlift_batches=2 --limit canary,refuses,auto
+sed -n '/PLAY RECAP/,$p' "$directory/update.log" | grep -v ' : ok='

@@ -1,63 +1,66 @@
-"""Reads what tarnlift.exe prints under /xml."""
-import xml.etree.ElementTree as ElementTree
+"""Reads the listing of the directory on a server: whose it is, and what in it is not of the firmware set."""
+import os
+import re
+from pathlib import Path
 
-# Values of DownloadStatus.
-WAITS_FOR_REBOOT = "1"
-DOWNLOAD_TWICE = "22"
-
-
-def parsed(text):
-    try:
-        return ElementTree.fromstring(text.encode(errors="replace"))
-    except ElementTree.ParseError:
-        return ElementTree.Element("NoReport")
+OWNERS = {"BA", "SY"}  # administrators, the system
+FULL_ACCESS = {"FA", "0x1f01ff"}
+# What the role, the program and the adapter utility make beside the files of the set.
+OWN = re.compile(r"(tarnlift-run\.cmd|rm\.ini|[^\\]*\.log|temp(\\.*)?|run(\\(report\.xml|code))?|firmware)$")
+FIRMWARE = re.compile(r"firmware\\[^\\]*\.grp[^\\]*$")
+MOST_NAMED = 5
 
 
-def port_name(device):
-    return f"{device.get('hba')} {device.get('wwpn')}"
+def files_of(source):
+    """The files and directories of the set, in lower case with backslashes."""
+    return {str(path.relative_to(source)).replace(os.sep, "\\").lower() for path in Path(source).rglob("*")}
 
 
-def place(device):
-    return tuple(device.get(name) for name in ("wwpn", "bus", "device", "function"))
+def rights_problem(sddl, root, directory):
+    """None when exactly administrators and the system have all rights and one of them is the owner."""
+    owner = re.match(r"O:(.*?)(?=G:|D:|S:|$)", sddl)
+    access = re.search(r"D:([A-Z]*)((?:\([^)]*\))*)", sddl)
+    if not owner or owner[1] not in OWNERS:
+        return f"the owner is {owner[1] if owner else 'unknown'}"
+    if not access:
+        return "it has no list of rights"
+    if root and "P" not in access[1]:
+        return "it inherits rights"
+    inherited = "" if root else "ID"
+    wanted = {("OICI" if directory else "") + inherited}
+    found = set()
+    for entry in re.findall(r"\(([^)]*)\)", access[2]):
+        kind, flags, rights, _, _, who = (entry.split(";") + [""] * 6)[:6]
+        if kind != "A" or rights not in FULL_ACCESS or who not in OWNERS or flags not in wanted:
+            return f"it has the entry ({entry})"
+        found.add(who)
+    return None if found == OWNERS else "administrators or the system lack rights"
 
 
-def numbers(version):
-    """A version as the program compares it: a major number 3 counts as 2."""
-    pieces = [int(piece) if piece.isdigit() else piece for piece in version.split(".")]
-    return [2] + pieces[1:] if pieces[0] == 3 else pieces
+def survey(listing, directory, source):
+    """`listing` is the result of list-directory.ps1: the directory itself first, then everything below it."""
+    ours, foreign, rights, other_firmware, run = files_of(source), [], [], [], False
+    for item in listing:
+        name = item["path"][len(directory):].lstrip("\\").lower()
+        if item["link"]:
+            foreign.append(f"{item['path']} is a link")
+        elif FIRMWARE.match(name) and name not in ours:
+            other_firmware.append(item["path"])
+        elif name and name not in ours and not OWN.match(name):
+            foreign.append(item["path"])
+        problem = rights_problem(item["sddl"], not name, item["directory"])
+        if problem:
+            rights.append(f"{item['path']}: {problem}")
+        run = run or name == "run"
+    return {"exists": bool(listing), "run": run, "other_firmware": other_firmware,
+            "foreign": shortened(foreign), "rights": shortened(rights)}
 
 
-def reboot_required(report):
-    """By the report's own word, or a port's: with failed boards beside a waiting one the report may say 0."""
-    found = parsed(report)
-    statuses = {result.get("status") for result in found.iter("DownloadStatus")}
-    return found.findtext("RebootRequired") == "1" or bool(statuses & {WAITS_FOR_REBOOT, DOWNLOAD_TWICE})
-
-
-def compare(report, query, rebooted):
-    """What the ports run, by a query, against what the update's report says was downloaded to them."""
-    wrong, waiting = [], []
-    inventory = parsed(query)
-    if inventory.tag != "Inventory":
-        return {"wrong": ["the query after the update gave no report"], "waiting": []}
-    running = {place(device): device.find("Application[@componentType='firmware']").get("version")
-               for device in inventory.iter("Device")}
-    for device in parsed(report).iter("Device"):
-        change, result = device.find(".//VersionChange"), device.find(".//DownloadStatus")
-        if change is None or change.get("update") != "true":
-            continue
-        status, wanted, found = result.get("status"), change.get("newVersion"), running.get(place(device))
-        if status == DOWNLOAD_TWICE:
-            waiting.append(f"{port_name(device)} needs the download a second time, after a reboot")
-        if status in (WAITS_FOR_REBOOT, DOWNLOAD_TWICE) and not rebooted:
-            waiting.append(f"{port_name(device)} waits for a reboot; what it runs then is not known yet")
-        elif found is None:
-            wrong.append(f"{port_name(device)} is not listed any more")
-        elif numbers(found) != numbers(wanted):
-            wrong.append(f"{port_name(device)} runs {found}, not {wanted}")
-    return {"wrong": wrong, "waiting": waiting}
+def shortened(lines):
+    more = len(lines) - MOST_NAMED
+    return lines[:MOST_NAMED] + ([f"{more} more"] if more > 0 else [])
 
 
 class FilterModule:
     def filters(self):
-        return {"tarnlift_reboot_required": reboot_required, "tarnlift_compare": compare}
+        return {"tarnlift_survey": survey}

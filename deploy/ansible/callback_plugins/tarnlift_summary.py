@@ -1,0 +1,45 @@
+"""Ends a play of the role with the list of its servers, worst first, and the path of the page.
+
+It is a callback because it must come after everything, and also when failures stopped the play.
+"""
+import os
+import subprocess
+
+from ansible.plugins.callback import CallbackBase
+
+DOCUMENTATION = """
+    name: tarnlift_summary
+    type: aggregate
+    short_description: List the servers by state at the end of a roll-out
+    description: Runs C(tarnfleet status) and C(tarnfleet page) on the results of the role C(tarnlift).
+"""
+
+
+class CallbackModule(CallbackBase):
+    CALLBACK_VERSION = 2.0
+    CALLBACK_TYPE = "aggregate"
+    CALLBACK_NAME = "tarnlift_summary"
+
+    def __init__(self):
+        super().__init__()
+        self.setup = None
+
+    def v2_runner_on_ok(self, result):
+        """Notes where the results are: the role's first task of each server says it."""
+        if result._task.action == "tarnlift_check_variables":
+            self.setup = result._result
+
+    def v2_playbook_on_stats(self, stats):
+        if self.setup is None:
+            return
+        results, tarnfleet = self.setup["kept_in"], self.setup["tarnfleet"]
+        reports, page = os.path.join(results, "reports"), os.path.join(results, "fleet.html")
+        names = ["--servers", os.path.join(results, "servers.txt")]
+        self.show([tarnfleet, "status", reports] + names)
+        if self.show([tarnfleet, "page", reports, "-o", page] + names) < 3:
+            self._display.display(f"Page: {page}")
+
+    def show(self, command):
+        ended = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        self._display.display(ended.stdout.decode(errors="replace").rstrip("\n"))
+        return ended.returncode
