@@ -1,43 +1,13 @@
 #include "judgement.h"
 
 #include <algorithm>
-#include <array>
-#include <unordered_map>
 
-#include "records/port_outcome.h"
+#include "port_judgement.h"
 #include "settings/return_codes.h"
 
 using namespace fleet;
 
 namespace {
-
-// What a port's status says; the query afterwards can prove it or show the opposite.
-enum class Claim {
-    FAILED,
-    DOWNLOADED,
-    RUNS_AFTER_REBOOT,
-    NEEDS_SECOND_DOWNLOAD,
-    WOULD_DOWNLOAD,
-    NOT_NEEDED,
-    SKIPPED,
-};
-
-struct ClaimRow {
-    int firstStatus;
-    int lastStatus;
-    Claim claim;
-};
-
-// Every other status is a failure.
-constexpr ClaimRow claimRows[] = {
-    {OUTCOME_SUCCEEDED, OUTCOME_SUCCEEDED, Claim::DOWNLOADED},
-    {OUTCOME_REBOOT_REQUIRED, OUTCOME_REBOOT_REQUIRED, Claim::RUNS_AFTER_REBOOT},
-    {OUTCOME_NOT_NEEDED, OUTCOME_NOT_NEEDED, Claim::NOT_NEEDED},
-    {OUTCOME_UNKNOWN_FIRMWARE_VERSION - 1, OUTCOME_NO_MATRIX_MODEL, Claim::SKIPPED},
-    {OUTCOME_PREVIEW_SUCCEEDED, OUTCOME_PREVIEW_SUCCEEDED, Claim::WOULD_DOWNLOAD},
-    {OUTCOME_DOWNLOAD_TWICE, OUTCOME_DOWNLOAD_TWICE, Claim::NEEDS_SECOND_DOWNLOAD},
-    {OUTCOME_ACTIVATED, OUTCOME_ACTIVATED, Claim::DOWNLOADED},
-};
 
 // What a return code alone says of the server. A code of 0 or 1 says nothing without a report.
 struct CodeRow {
@@ -63,25 +33,7 @@ constexpr char UNKNOWN_CODE[] = "none of tarnlift.exe's: it crashed, was ended, 
 
 constexpr size_t MOST_REASONS = 20;  // of one server; its ports have theirs
 
-// A state with its reason, which can be empty.
-struct Verdict {
-    State state;
-    std::string reason;
-};
-
-// The ports of the query by WWN and place.
-using QueriedPorts = std::unordered_map<std::string, const ReportedPort*>;
-
 }  // namespace
-
-static Claim claimOf(int status) {
-    for (const ClaimRow& row : claimRows) {
-        if (status >= row.firstStatus && status <= row.lastStatus) {
-            return row.claim;
-        }
-    }
-    return Claim::FAILED;
-}
 
 static const CodeRow* findCode(int code) {
     const auto* row =
@@ -91,185 +43,6 @@ static const CodeRow* findCode(int code) {
 
 static std::string codeText(int code, std::string_view meaning) {
     return "return code " + std::to_string(code) + ": " + std::string(meaning);
-}
-
-static std::array<uint64_t, 4> versionNumbers(std::string_view version) {
-    constexpr uint64_t limit = UINT32_MAX;
-    std::array<uint64_t, 4> numbers = {};
-    for (uint64_t& number : numbers) {
-        const std::string_view piece = version.substr(0, version.find('.'));
-        version.remove_prefix(std::min(piece.size() + 1, version.size()));
-        for (size_t i = 0; i < piece.size() && piece[i] >= '0' && piece[i] <= '9'; i++) {
-            number = std::min(number * 10 + static_cast<uint64_t>(piece[i] - '0'), limit);
-        }
-    }
-    numbers[0] = numbers[0] == 3 ? 2 : numbers[0];
-    return numbers;
-}
-
-static bool beginsWithDigit(std::string_view text) {
-    return !text.empty() && text[0] >= '0' && text[0] <= '9';
-}
-
-bool fleet::isSameVersion(std::string_view left, std::string_view right) {
-    if (!beginsWithDigit(left) || !beginsWithDigit(right)) {
-        return left == right;
-    }
-    return versionNumbers(left) == versionNumbers(right);
-}
-
-static std::string keyOf(const ReportedPort& port) {
-    return port.wwn + ' ' + port.pci;
-}
-
-static QueriedPorts portsByKey(const std::vector<ReportedPort>& ports) {
-    QueriedPorts byKey;
-    byKey.reserve(ports.size());
-    for (const ReportedPort& port : ports) {
-        byKey.emplace(keyOf(port), &port);
-    }
-    return byKey;
-}
-
-// Whether the query can be asked for what runs now. One that found no adapters can: it shows that all ports are gone.
-static bool isUsable(const std::optional<Report>& query) {
-    return query && (query->kind == ReportKind::INVENTORY || query->kind == ReportKind::NO_ADAPTERS);
-}
-
-static std::string queryFault(const Report& query) {
-    return query.kind == ReportKind::EXECUTION ? "is the report of a run" : query.fault;
-}
-
-// Holds a version that should run now against the query. `proven` is the state if it does.
-static Verdict compareWithQuery(const ReportedPort* now, const std::string& expected, State proven) {
-    if (now == nullptr) {
-        return {State::NOT_INSTALLED, "the query afterwards does not list the port"};
-    }
-    if (!isSameVersion(now->firmware, expected)) {
-        return {State::NOT_INSTALLED, "the query afterwards shows " + now->firmware + ", not " + expected};
-    }
-    return {proven, ""};
-}
-
-static Verdict judgeDownloaded(const ReportedPort& port, const ReportedPort* now, const Evidence& evidence) {
-    if (!evidence.query) {
-        return {State::NOT_VERIFIED, "no query was made afterwards"};
-    }
-    if (!isUsable(evidence.query)) {
-        return {State::NOT_VERIFIED, "the file of the query " + queryFault(*evidence.query)};
-    }
-    return compareWithQuery(now, port.image, State::UPDATED);
-}
-
-static Verdict judgeSecondDownload(const ReportedPort* now, const Evidence& evidence) {
-    if (!evidence.rebooted) {
-        return {State::WAITING, "waits for a reboot, and then for a second download"};
-    }
-    if (isUsable(evidence.query) && now == nullptr) {
-        return compareWithQuery(now, "", State::WAITING);
-    }
-    return {State::WAITING, "waits for a second download"};
-}
-
-// A run that found a port in order said what it runs. An earlier download that waited for a reboot can make that wrong.
-static Verdict judgeNotNeeded(const ReportedPort& port, const ReportedPort* now, const Evidence& evidence) {
-    if (!isUsable(evidence.query)) {
-        return {State::CURRENT, ""};
-    }
-    return compareWithQuery(now, port.firmware, State::CURRENT);
-}
-
-static Verdict judgeRunPort(const ReportedPort& port, const ReportedPort* now, const Evidence& evidence) {
-    switch (claimOf(port.status)) {
-    case Claim::DOWNLOADED:
-        return judgeDownloaded(port, now, evidence);
-    case Claim::RUNS_AFTER_REBOOT:
-        return evidence.rebooted ? judgeDownloaded(port, now, evidence) : Verdict{State::WAITING, "waits for a reboot"};
-    case Claim::NEEDS_SECOND_DOWNLOAD:
-        return judgeSecondDownload(now, evidence);
-    case Claim::NOT_NEEDED:
-        return judgeNotNeeded(port, now, evidence);
-    case Claim::WOULD_DOWNLOAD:
-        return {State::WOULD_UPDATE, ""};
-    case Claim::SKIPPED:
-        return {State::SKIPPED, port.message};
-    case Claim::FAILED:
-        break;
-    }
-    return {State::FAILED, port.message};
-}
-
-// A query counts a port as failed when one of these values is missing.
-static Verdict judgeListedPort(const ReportedPort& port) {
-    const bool hasWwn = port.wwn != "00:00:00:00:00:00:00:00" && port.wwn != "N/A" && port.wwn != "NONE";
-    const bool hasModel = port.model != "UNKNOWN_MODEL" && port.model != "Unknown";
-    const bool hasFirmware = port.firmware != "N/A" && port.firmware != "NONE";
-    const bool hasBootCode = port.bootCode != "N/A";
-    if (hasWwn && hasModel && hasFirmware && hasBootCode) {
-        return {State::LISTED, ""};
-    }
-    const char* missing = !hasWwn        ? "WWN"
-                          : !hasModel    ? "model"
-                          : !hasFirmware ? "firmware version"
-                                         : "boot code version";
-    return {State::FAILED, std::string("the listing has no usable ") + missing};
-}
-
-static PortResult portResult(const ReportedPort& port, Verdict verdict) {
-    PortResult result;
-    result.wwn = port.wwn;
-    result.model = port.model;
-    result.pci = port.pci;
-    result.state = verdict.state;
-    result.reason = std::move(verdict.reason);
-    return result;
-}
-
-static PortResult runPortResult(const ReportedPort& port, const ReportedPort* now, const Evidence& evidence) {
-    PortResult result = portResult(port, judgeRunPort(port, now, evidence));
-    result.status = port.status;
-    result.before = port.firmware;
-    result.image = port.image;
-    result.file = port.file;
-    result.now = now == nullptr ? "" : now->firmware;
-    result.message = port.message;
-    return result;
-}
-
-static PortResult listedPortResult(const ReportedPort& port, Verdict verdict) {
-    PortResult result = portResult(port, std::move(verdict));
-    result.now = port.firmware;
-    return result;
-}
-
-// The ports of the run; after them those that only the query has found.
-static std::vector<PortResult> judgeRun(const Evidence& evidence) {
-    static const std::vector<ReportedPort> none;
-    const std::vector<ReportedPort>& queryPorts = isUsable(evidence.query) ? evidence.query->ports : none;
-    const QueriedPorts queried = portsByKey(queryPorts);
-    const QueriedPorts run = portsByKey(evidence.run.ports);
-    std::vector<PortResult> results;
-    for (const ReportedPort& port : evidence.run.ports) {
-        const auto found = queried.find(keyOf(port));
-        results.push_back(runPortResult(port, found == queried.end() ? nullptr : found->second, evidence));
-    }
-    for (const ReportedPort& port : queryPorts) {
-        if (!run.contains(keyOf(port))) {
-            results.push_back(listedPortResult(port, {State::LISTED, "only the query lists the port"}));
-        }
-    }
-    return results;
-}
-
-static std::vector<PortResult> judgePorts(const Evidence& evidence) {
-    if (evidence.run.kind == ReportKind::EXECUTION) {
-        return judgeRun(evidence);
-    }
-    std::vector<PortResult> results;
-    for (const ReportedPort& port : evidence.run.ports) {
-        results.push_back(listedPortResult(port, judgeListedPort(port)));
-    }
-    return results;
 }
 
 static std::optional<Verdict> judgeCode(int code, std::string_view message) {
@@ -322,15 +95,6 @@ static void judgeDocument(const Evidence& evidence, const ServerResult& server, 
     if (evidence.run.rebootRequired && !evidence.rebooted && !hasPort(server.ports, State::WAITING)) {
         verdicts.push_back({State::WAITING, "the report asks for a reboot"});
     }
-}
-
-static bool asksForReboot(const ReportedPort& port) {
-    const Claim claim = claimOf(port.status);
-    return claim == Claim::RUNS_AFTER_REBOOT || claim == Claim::NEEDS_SECOND_DOWNLOAD;
-}
-
-static bool isPreview(const ReportedPort& port) {
-    return port.status == OUTCOME_PREVIEW_SUCCEEDED || port.status == OUTCOME_PREVIEW_FAILED;
 }
 
 static void addReason(ServerResult& server, State state, const std::string& reason) {

@@ -52,7 +52,4 @@ struct ServerResult {
 
 ServerResult judge(const Evidence& evidence);
 
-// Whether two versions are equal as the updater compares them: four numbers, a major 3 counts as 2.
-bool isSameVersion(std::string_view left, std::string_view right);
-
 }  // namespace fleet

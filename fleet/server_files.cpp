@@ -164,8 +164,8 @@ static std::string readRefusal(const fs::path& path) {
     const FileContent content = readFile(path, LINE_FILE_LIMIT);
     const std::string text = decodedText(content.bytes);
     std::string_view rest = text;
-    return "not planned: " +
-           (content.fault.empty() ? shownText(trimmed(takeLine(rest))) : "the reason " + content.fault);
+    const std::string reason = content.fault.empty() ? shownText(trimmed(takeLine(rest))) : "";
+    return reason.empty() ? "nothing was run, and the reason cannot be read" : reason;
 }
 
 Evidence fleet::readEvidence(const ServerFiles& files) {

@@ -16,7 +16,7 @@ struct ServerFiles {
     std::filesystem::path run;      // NAME.xml
     std::filesystem::path query;    // NAME.query.xml
     std::filesystem::path code;     // NAME.code
-    std::filesystem::path refusal;  // NAME.refused: a line that tells why there is no plan for the server
+    std::filesystem::path refusal;  // NAME.refused: a line that tells why nothing was run for the server
     bool rebooted = false;          // whether there is NAME.rebooted
 };
 

@@ -96,7 +96,7 @@ void Previews::refuse(size_t server, const std::string& reason) {
     const PlannedServer& refused = order.servers[server];
     result.refused.push_back({textOf(refused.name), reason});
     std::string problem;
-    if (!results.publish(refused.name, ".refused", shownText(reason) + "\n", problem)) {
+    if (!results.publish(refused.name, ".refused", "not planned: " + shownText(reason) + "\n", problem)) {
         stop(problem);
     }
 }

@@ -114,7 +114,7 @@ CASES = [
     Case("code-unreadable", {"code": "many"}, "no-report", "does not hold a number"),
     Case("only-a-query", {"query.xml": inventory(now)}, "no-report", "only a query"),
     Case("only-rebooted", rebooted, "no-report"),
-    Case("not-planned", {"refused": "line 3: no key\n"}, "no-report", "not planned: line 3: no key"),
+    Case("not-planned", {"refused": "not planned: line 3\n"}, "no-report", "not planned: line 3"),
     # Other encodings.
     Case("utf-16", {"xml": good.encode("utf-16"), "query.xml": inventory(now).encode("utf-16-be"),
                     "code": "0\r\n".encode("utf-16")}, "updated updated"),
