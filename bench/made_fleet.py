@@ -8,8 +8,8 @@ import sys
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "tests/tarnfleet"))
-from report_files import (FAILED, MISSING_IMAGE, NOT_NEEDED, NO_LINE, REBOOT, SUCCEEDED, TWICE, Port, execution, inventory,
-                          write_server)
+from report_files import (FAILED, MISSING_IMAGE, NOT_NEEDED, NO_LINE, REBOOT, SUCCEEDED, TWICE, Port, execution,
+                          inventory, write_server)
 
 IMAGE = "14.4.473.14"
 OLD = ["14.0.169.25", "14.2.1.1", "14.2.589.3"]
@@ -29,28 +29,38 @@ def board(chance, server, place):
     model, old = chance.choice(MODELS), IMAGE if status == NOT_NEEDED else chance.choice(OLD)
     image, file = ("NONE", "NONE") if status == NO_LINE else (IMAGE, f"{model.lower()}-{IMAGE}.grp")
     now = IMAGE if status == SUCCEEDED and chance.random() >= LIARS else old
-    ports = [Port(f"10:00:00:90:fa:{server >> 8:02x}:{server & 255:02x}:{2 * place + port:02x}", status, model, old, image, file,
-                  f"{0x3B + 3 * place:X}:0.{port}") for port in range(2)]
+    ports = []
+    for port in range(2):
+        wwn = f"10:00:00:90:fa:{server >> 8:02x}:{server & 255:02x}:{2 * place + port:02x}"
+        ports.append(Port(wwn, status, model, old, image, file, f"{0x3B + 3 * place:X}:0.{port}"))
     return ports, [port.running(now) for port in ports]
 
 
+def make_updated_server(directory, chance, number, name, time):
+    boards = [board(chance, number, place) for place in range(chance.choice(BOARDS))]
+    ports = [port for before, _ in boards for port in before]
+    statuses = {port.status for port in ports}
+    code = 3 if statuses & {FAILED, MISSING_IMAGE} else 1 if statuses <= {NOT_NEEDED, NO_LINE} else 0
+    query = inventory(*[port for _, after in boards for port in after]) if chance.random() >= UNQUERIED else None
+    run = execution(*ports, code=code, reboot=bool(statuses & {REBOOT, TWICE}))
+    write_server(directory, name, run, query, code, time=time)
+
+
 def make_server(directory, chance, number):
-    name = f"{chance.choice(['app', 'db', 'esx', 'mail', 'web'])}{number:04}.{chance.choice(['ams', 'fra', 'lon'])}.example"
+    site = chance.choice(["ams", "fra", "lon"])
+    name = f"{chance.choice(['app', 'db', 'esx', 'mail', 'web'])}{number:04}.{site}.example"
     time = NEWEST - chance.randrange(5 * HOURS) - (chance.random() < 0.004) * 9 * 24 * HOURS
     kind = chance.random()
     if kind < 0.002:
-        write_server(directory, name, run="tarnlift.exe: Error - Insufficient privileges - Return Code=8\n", code=8, time=time)
+        run = "tarnlift.exe: Error - insufficient privileges - Return Code=8\n"
+        write_server(directory, name, run, code=8, time=time)
     elif kind < 0.004:
         write_server(directory, name, run="", time=time)
     elif kind < 0.008:
-        write_server(directory, name, run="tarnlift.exe: Error - No supported adapters - Return Code=5\n", code=5, time=time)
+        run = "tarnlift.exe: Error - no supported Velmar HBAs found - Return Code=5\n"
+        write_server(directory, name, run, code=5, time=time)
     else:
-        boards = [board(chance, number, place) for place in range(chance.choice(BOARDS))]
-        ports = [port for before, _ in boards for port in before]
-        statuses = {port.status for port in ports}
-        code = 3 if statuses & {FAILED, MISSING_IMAGE} else 1 if statuses <= {NOT_NEEDED, NO_LINE} else 0
-        query = inventory(*[port for _, after in boards for port in after]) if chance.random() >= UNQUERIED else None
-        write_server(directory, name, execution(*ports, code=code, reboot=bool(statuses & {REBOOT, TWICE})), query, code, time=time)
+        make_updated_server(directory, chance, number, name, time)
 
 
 def main():

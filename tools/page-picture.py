@@ -3,6 +3,7 @@
 
 Usage: tools/page-picture.py [FILE]        needs the native build, and what tools/setup.sh test installs
 """
+import csv
 import os
 import re
 import subprocess
@@ -14,10 +15,14 @@ TOP = Path(__file__).resolve().parents[1]
 sys.path.insert(0, str(TOP / "tests/fleet_page"))
 from browser import Browser
 
-SERVERS = 340
-OPEN = "app0259.lon.example"  # a server that failed
+SERVERS = 240
 MADE = 1_795_401_600  # when the page says that it was made, in seconds since 1970
 WIDTH, HEIGHT = 1280, 960
+
+
+def tarnfleet(*arguments):
+    command = [TOP / "build/native/bin/tarnfleet", *arguments]
+    return subprocess.run(command, stdout=subprocess.PIPE, text=True, check=True).stdout
 
 
 def main():
@@ -26,12 +31,15 @@ def main():
     with tempfile.TemporaryDirectory() as directory:
         reports, page = Path(directory, "reports"), Path(directory, "fleet.html")
         subprocess.run([TOP / "bench/made_fleet.py", reports, str(SERVERS)], check=True)
-        subprocess.run([TOP / "build/native/bin/tarnfleet", "page", reports, "-o", page], check=True)
-        page.write_text(re.sub(r'"created":\d+', f'"created":{MADE}', page.read_text(encoding="utf-8")), encoding="utf-8")
+        tarnfleet("page", reports, "-o", page)
+        failed = next(row["server"] for row in csv.DictReader(tarnfleet("csv", reports).splitlines())
+                      if row["state"] == "failed")
+        html = page.read_text(encoding="utf-8")
+        page.write_text(re.sub(r'"created":\d+', f'"created":{MADE}', html), encoding="utf-8")
         browser = Browser()
         try:
             browser.look(WIDTH, HEIGHT)
-            browser.open(page, f"#open={OPEN}")
+            browser.open(page, f"#open={failed}")
             browser.texts("main")  # all is drawn
             browser.picture(file)
         finally:

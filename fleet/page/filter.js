@@ -32,7 +32,7 @@ const isFiltered = () =>
   Boolean(view.query.trim() || view.states.size || view.portStates.size || Object.keys(view.only).length);
 
 // The lines of one server that match. Words of the server's own need not be in each line.
-function linesFound(server, words) {
+function linesFound(server, words, only) {
   if (view.states.size && !view.states.has(server.state)) {
     return [];
   }
@@ -40,7 +40,7 @@ function linesFound(server, words) {
   return server.lines.filter(
     line =>
       (!view.portStates.size || (line !== server && view.portStates.has(line.state))) &&
-      Object.entries(view.only).every(([key, value]) => ONLY_MATCHES[key](line, server, value)) &&
+      only.every(([key, value]) => ONLY_MATCHES[key](line, server, value)) &&
       (!missing.length || (line !== server && missing.every(word => textOfPort(line).includes(word)))),
   );
 }
@@ -89,8 +89,10 @@ function serversInOrder() {
 // The servers to show in their order. Each one's `found` holds its lines that match.
 function serversShown() {
   const words = wordsOf(view.query);
+  const only = Object.entries(view.only);
+  const filtered = isFiltered();
   return serversInOrder().filter(server => {
-    server.found = linesFound(server, words);
+    server.found = filtered ? linesFound(server, words, only) : server.lines;
     return server.found.length > 0;
   });
 }

@@ -15,9 +15,8 @@ const portsByState = tally(allPorts, port => port.state);
 function drawFacts() {
   const facts = [`${counted(fleet.servers.length, "server")}, ${counted(portCount, "port")}`];
   if (times.length) {
-    facts.push(
-      oldest === newest ? `report of ${timeText(newest)}` : `reports from ${timeText(oldest)} to ${timeText(newest)}`,
-    );
+    const [from, to] = [timeText(oldest), timeText(newest)];
+    facts.push(from === to ? `reports of ${to}` : `reports from ${from} to ${to}`);
   }
   const old = fleet.servers.filter(daysBehind).length;
   if (old) {
@@ -30,12 +29,11 @@ function drawFacts() {
 
 function drawBanner() {
   const previews = fleet.servers.filter(server => server.preview).length;
-  find("preview").append(
-    make("strong", {}, "Preview: nothing was written. "),
-    onlyPreviews
-      ? "The page shows what the roll-out would do."
-      : `This holds for ${counted(previews, "server")} of ${number(fleet.servers.length)}, marked "Preview" in the list.`,
-  );
+  const where = `on ${number(previews)} of ${counted(fleet.servers.length, "server")}`;
+  const [title, text] = onlyPreviews
+    ? ["Preview: nothing was written.", "The page shows what the roll-out would do."]
+    : [`Preview ${where}: nothing was written there.`, "The list marks these servers."];
+  find("preview").append(make("strong", {}, title), " ", text);
   find("preview").hidden = !fleet.preview;
 }
 
@@ -81,9 +79,10 @@ function drawState({ name, word }) {
 
 // Failed is always there: that nothing failed is news, too.
 function drawStates() {
-  fleet.states
-    .filter(({ name }) => name === "failed" || serversByState.has(name) || portsByState.has(name))
-    .forEach(drawState);
+  const isShown = ({ name }) => name === "failed" || serversByState.has(name) || portsByState.has(name);
+  const states = fleet.states.filter(isShown);
+  states.forEach(drawState);
+  find("states").style.setProperty("--states", states.length);
 }
 
 function drawLegend() {
