@@ -57,5 +57,6 @@ if exist run\nul set "STATE=cut-off"
 exit /b 0
 
 :probe
-type nul >> run\report.xml || set "BUSY=yes"
+set "BUSY=yes"
+type nul >> run\report.xml && set "BUSY="
 exit /b 0
