@@ -24,7 +24,6 @@ add_role() {
         needed+=(
             "/usr/include/gtest/gtest.h libgtest-dev"
             "xmllint libxml2-utils"
-            "xsltproc xsltproc"
             "chromium chromium"
             "chromedriver chromium-driver"
             "pdftotext poppler-utils"
