@@ -1,8 +1,7 @@
 """A machine of its own for a test: the real program and the simulated utility in a temporary directory.
 
-The same tests run on both systems. What differs is here: how a program is started, how a path is spelled, and where
-registry and event log are looked into. Windows programs run through Wine and end their lines in CR LF, as everything
-does there; the tests see LF.
+The same tests run on both systems. The differences are in this file: how a program is started, how a path is spelled,
+and where registry and event log are. Windows programs run through Wine and end their lines in CR LF; the tests see LF.
 """
 import json
 import os
@@ -24,8 +23,8 @@ TIME = re.compile(r"^(Sun|Mon|Tue|Wed|Thu|Fri|Sat) (Jan|Feb|Mar|Apr|May|Jun|Jul|
                   r"\d\d:\d\d:\d\d \d{4}$", re.MULTILINE)
 MAGIC_AND_SIGNATURE = {64: (0xFEAA0003, 0xF70C), 65: (0xFEAA0005, 0xF7A4), 66: (0xFEAA0020, 0xF7A5), 67: (0xFEAA0040, 0xF7A6)}
 
-linux_only = unittest.skipIf(WINDOWS, "looks at the layer that stands for Windows")
-windows_only = unittest.skipUnless(WINDOWS, "only the real system has it")
+linux_only = unittest.skipIf(WINDOWS, "tests the Linux layer")
+windows_only = unittest.skipUnless(WINDOWS, "tests Windows itself")
 
 
 def wine(*command):
@@ -56,7 +55,7 @@ def spelled(path):
 
 
 class Machine:
-    """The directory `path` holds all: program, utility, firmware, host directory and temp directory."""
+    """Program, utility, firmware, host directory and temp directory are all in the directory `path`."""
 
     def __init__(self, *ports, matrix="", images=(), script="", name="tarnlift-"):
         self.path = Path(tempfile.mkdtemp(prefix=name))
@@ -79,7 +78,7 @@ class Machine:
         header = struct.pack(">III", 0, magic, signature << 16) + version.encode() + b" for all ports"
         (self.path / "firmware" / name).write_bytes(header.ljust(size, b"\0")[:size])
 
-    def run(self, *switches, temp=None, env=(), argv0=None, through_path=False):
+    def run(self, *switches, temp=None, env=(), argv0=None, through_path=False, stdout=subprocess.PIPE):
         """Runs the program in `cwd`. Returns its return code and output, TIME for each time. Documents must be valid."""
         environment = {**os.environ, "TARNLIFT_HOST": str(self.path / "host"), "WINEDEBUG": "-all,+eventlog,fixme+advapi",
                        "TEMP": str(temp or self.path / "temp"), **dict(env)}
@@ -91,16 +90,20 @@ class Machine:
             if temp:
                 wine("reg", "add", r"HKCU\Environment", "/v", "TEMP", "/d", spelled(temp), "/f")
         done = subprocess.run([*command, *switches], cwd=self.path / "cwd", env=environment, timeout=120,
-                              stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, **start)
+                              stdin=subprocess.DEVNULL, stdout=stdout, stderr=subprocess.PIPE, **start)
         if WINDOWS and temp:
             wine("reg", "add", r"HKCU\Environment", "/v", "TEMP", "/d", WINDOWS_TEMP, "/f")
         self.stderr = done.stderr.decode("latin-1")
-        if done.stdout.startswith(b"<?xml") and "/v" not in switches:
-            subprocess.run(["xmllint", "--noout", "--schema", TOP / "share/report.xsd", "-"], input=done.stdout, check=True)
-        return done.returncode, self.text(done.stdout)
+        output = done.stdout or b""
+        if output.startswith(b"<?xml") and "/v" not in switches:
+            check = subprocess.run(["xmllint", "--noout", "--schema", TOP / "share/report.xsd", "-"], input=output,
+                                   capture_output=True)
+            if check.returncode:
+                raise AssertionError("the document does not follow share/report.xsd:\n" + check.stderr.decode())
+        return done.returncode, self.text(output)
 
     def left_in_temp(self):
-        """What the program has left in its temp directory. Windows takes TEMP from the user's settings."""
+        """The files that the program left in its temp directory. Windows takes TEMP from the user's settings."""
         if WINDOWS:
             return list((TOP / "build/wine/drive_c/temp").glob("*"))
         return list((self.path / "temp").iterdir())

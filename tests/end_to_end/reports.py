@@ -1,4 +1,4 @@
-"""The roads that a port can take, each with its whole XML document and its event; the event source."""
+"""Each way a port can end, with its whole XML document and its event; the event source."""
 import unittest
 
 from machine import MachineTest, linux_only, port, spelled
@@ -33,9 +33,9 @@ NO_FIRMWARE = "No compatible firmware found"
 NOT_REQUIRED = "firmware|FW|WWN|firmware|low.grp|2|Firmware {} is not required."
 NO_IMAGE = "firmware|FW|WWN|13|No compatible firmware image found."
 
-# What, matrix, firmware images, the port, switches, the port's application, return code and sentence, the event.
-ROADS = [
-    ("passed by", A, "a", {"fw": "NONE"}, "/update", application(10, fw="NONE"), 7, NO_FIRMWARE, ""),
+# Name, matrix, firmware images, the port, switches, the port's application, return code and sentence, the event.
+ENDS = [
+    ("skipped", A, "a", {"fw": "NONE"}, "/update", application(10, fw="NONE"), 7, NO_FIRMWARE, ""),
     ("no matrix entry", "", "a", {}, "/update", application(16), 7, NO_FIRMWARE,
      "0xC0000A09 FW|WWN|16|fwmatrix.txt model entry not found."),
     ("no file in the entry", "QVa5202\n", "", {"SFJ": 0}, "/p /update", application(19), 7, NO_FIRMWARE,
@@ -83,11 +83,11 @@ ROADS = [
 
 
 class Reports(MachineTest):
-    def test_each_road_has_its_document_and_its_event(self):
-        for what, matrix, images, keys, switches, content, code, sentence, event in ROADS:
-            with self.subTest(what):
+    def test_each_end_has_its_document_and_its_event(self):
+        for name, matrix, images, keys, switches, content, code, sentence, event in ENDS:
+            with self.subTest(name):
                 machine = self.machine(port(**keys), matrix=matrix,
-                                       images=[(64, IMAGES[name], name + ".grp") for name in images.split()])
+                                       images=[(64, IMAGES[image], image + ".grp") for image in images.split()])
                 machine.image(64, "1.2.3.4", "short.grp", size=139)
                 (machine.path / "firmware/a.bin").write_text("text")
                 result = machine.run("/xml", *switches.split())
@@ -109,7 +109,7 @@ class Reports(MachineTest):
         self.assertEqual(machine.run("/q", "/xml"), (3, document))
         self.assertEqual(machine.events(), [])
 
-    def test_a_release_to_be_loaded_twice_is_told_in_the_message(self):
+    def test_the_message_advises_to_download_a_special_release_twice(self):
         machine = self.machine(port(script="@download exit=87"), port(2, serial="S2", script="@download exit=87"),
                                matrix=A, images=[(64, "14.2.1.1", "a.grp")])
         _, document = machine.run("/xml", "/update")
@@ -135,7 +135,7 @@ class Reports(MachineTest):
                                                 "Types Supported": ("REG_DWORD", "7")})
 
     @linux_only
-    def test_a_log_or_key_in_the_way_changes_nothing_else(self):
+    def test_a_file_in_place_of_log_or_key_changes_nothing_else(self):
         machine = self.machine(port(), matrix="")
         code = machine.run("/update")
         host = machine.path / "host"
