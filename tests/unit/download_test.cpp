@@ -14,73 +14,101 @@ struct Download : RunTest {};
 TEST_F(Download, ALaterPortOfABoardInheritsTheResult) {
     write("1.2.3.4.grp", grpFile(64, "1.2.3.4"));
     CLUImage image = fileImage(64, "1.2.3.4");
-    for (const auto& [boardResult, outcomeBefore, preview, result, outcome, failures, rowEnd] :
-         Rows<uint32_t, uint8_t, int, int, int, int, const char*>{
-             {1, 0, 0, 0, 0, 0, "Success"},
-             {1, 17, 1, 0, 17, 0, "Preview"},
-             {3, 1, 0, 0, 1, 0, "Success"},
-             {5, 29, 0, 0, 29, 0, "Success"},
-             {2, 3, 0, 1, 3, 1, "Error"},
-             {2, 20, 0, 1, 3, 1, "Error"},
-             {2, 28, 0, 1, 28, 1, "Error"},
-             {2, 36, 0, 1, 36, 1, "Error"},
-             {2, 28, 1, 1, 18, 1, "Preview"},
-             {4, 22, 0, 0, 22, 0, "to complete the download process.\n"},
-             {6, 3, 0, 1, 3, 1, "Error"},
-             {3, 1, 1, 0, 1, 0, "Success"},
-         }) {
-        SCOPED_TRACE(testing::Message() << boardResult << " with " << int{outcomeBefore});
+    constexpr bool GOOD = true, BAD = false;
+    constexpr int UPDATE = 0, PREVIEW = 1;
+    constexpr auto OTHER_RESULT = static_cast<BoardResult>(6);
+    const struct {
+        BoardResult board;
+        PortOutcome earlier;  // of the port that was downloaded
+        int preview;
+        bool result;
+        PortOutcome outcome;
+        const char* rowEnd;
+    } cases[] = {
+        // clang-format off
+        {BOARD_DOWNLOADED,      OUTCOME_SUCCEEDED,           UPDATE,  GOOD, OUTCOME_SUCCEEDED,           "Success"},
+        {BOARD_DOWNLOADED,      OUTCOME_PREVIEW_SUCCEEDED,   PREVIEW, GOOD, OUTCOME_PREVIEW_SUCCEEDED,   "Preview"},
+        {BOARD_REBOOT_REQUIRED, OUTCOME_REBOOT_REQUIRED,     UPDATE,  GOOD, OUTCOME_REBOOT_REQUIRED,     "Success"},
+        {BOARD_REBOOT_REQUIRED, OUTCOME_REBOOT_REQUIRED,     PREVIEW, GOOD, OUTCOME_REBOOT_REQUIRED,     "Success"},
+        {BOARD_ACTIVATED,       OUTCOME_ACTIVATED,           UPDATE,  GOOD, OUTCOME_ACTIVATED,           "Success"},
+        {BOARD_DOWNLOAD_TWICE,  OUTCOME_DOWNLOAD_TWICE,      UPDATE,  GOOD, OUTCOME_DOWNLOAD_TWICE,      "download process.\n"},
+        {BOARD_FAILED,          OUTCOME_FAILED,              UPDATE,  BAD,  OUTCOME_FAILED,              "Error"},
+        {BOARD_FAILED,          OUTCOME_IMAGE_NOT_OPENED,    UPDATE,  BAD,  OUTCOME_FAILED,              "Error"},
+        {BOARD_FAILED,          OUTCOME_NOT_FOR_BOARD_MODEL, UPDATE,  BAD,  OUTCOME_NOT_FOR_BOARD_MODEL, "Error"},
+        {BOARD_FAILED,          OUTCOME_INVALID_FILE_LENGTH, UPDATE,  BAD,  OUTCOME_INVALID_FILE_LENGTH, "Error"},
+        {BOARD_FAILED,          OUTCOME_NOT_FOR_BOARD_MODEL, PREVIEW, BAD,  OUTCOME_PREVIEW_FAILED,      "Preview"},
+        {OTHER_RESULT,          OUTCOME_FAILED,              UPDATE,  BAD,  OUTCOME_FAILED,              "Error"},
+        // clang-format on
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << "board result " << c.board << ", earlier port's outcome " << int{c.earlier}
+                                        << (c.preview ? ", preview" : ""));
         runCounters = {};
-        runOptions.preview = preview;
+        runOptions.preview = c.preview;
         HbaRecord* hba = addPort(0xE300, "1.0.0.0");
-        hba->downloadStat = boardResult;
-        hba->fwDownloadStatus = outcomeBefore;
-        EXPECT_EQ(executeFwDownload(hba, &image), result);
-        EXPECT_EQ(hba->fwDownloadStatus, outcome);
-        EXPECT_TRUE(std::string(hba->downloadRow).ends_with(rowEnd)) << hba->downloadRow;
+        hba->downloadStat = c.board;
+        hba->fwDownloadStatus = c.earlier;
+        EXPECT_EQ(executeFwDownload(hba, &image), c.result == GOOD ? 0 : 1);
+        EXPECT_EQ(hba->fwDownloadStatus, c.outcome);
+        EXPECT_TRUE(std::string(hba->downloadRow).ends_with(c.rowEnd)) << hba->downloadRow;
         EXPECT_EQ(runCounters.downloadAttemptCount, 1);
         EXPECT_EQ(runCounters.boardDownloadCount, 0);
-        EXPECT_EQ(runCounters.downloadFailCount, failures);
-        EXPECT_EQ(runCounters.boardFailCount, failures);
+        EXPECT_EQ(runCounters.downloadFailCount, c.result == GOOD ? 0 : 1);
+        EXPECT_EQ(runCounters.boardFailCount, c.result == GOOD ? 0 : 1);
     }
 }
 
-TEST_F(Download, AnImageThatHasGoneFailsItsPortAlone) {
+TEST_F(Download, AnImageThatDisappearedFailsItsPortAlone) {
     CLUImage image = fileImage(64, "1.2.3.4");
-    for (auto [grp, xml, shown] :
-         Rows<bool, int, const char*>{{true, 0, "Status=Error: unable to open firmware image!\n"},
-                                      {false, 1, "<VersionChange update=\"false\""},
-                                      {false, 0, "Status=Error: unable to open firmware image!\n"},
-                                      {true, 1, "<VersionChange update=\"false\""}}) {
+    constexpr uint32_t GRP_DEVICE = 0xE300, OTHER_DEVICE = 0x1111;
+    const char* row = "Status=Error: unable to open firmware image!\n";
+    const char* element = "<VersionChange update=\"false\"";
+    const struct {
+        uint32_t device;
+        int xml;
+        const char* shown;
+        BoardResult board;
+        int boardCount;
+    } cases[] = {
+        {GRP_DEVICE, 0, row, BOARD_FAILED, 1},
+        {GRP_DEVICE, 1, element, BOARD_FAILED, 1},
+        {OTHER_DEVICE, 0, row, BOARD_NOT_DOWNLOADED, 0},
+        {OTHER_DEVICE, 1, element, BOARD_NOT_DOWNLOADED, 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << "device " << std::hex << c.device << (c.xml ? ", XML" : ""));
         runCounters = {};
-        runOptions.xml = xml;
-        HbaRecord* hba = addPort(grp ? 0xE300 : 0x1111, "1.0.0.0");
-        HbaRecord* other = addPort(0xE300, "1.0.0.0");
+        runOptions.xml = c.xml;
+        HbaRecord* hba = addPort(c.device, "1.0.0.0");
+        HbaRecord* other = addPort(GRP_DEVICE, "1.0.0.0");
         out();
         EXPECT_EQ(executeFwDownload(hba, &image), 1);
         EXPECT_EQ(hba->fwDownloadStatus, OUTCOME_IMAGE_NOT_OPENED);
-        EXPECT_EQ(hba->downloadStat, static_cast<uint32_t>(grp ? BOARD_FAILED : BOARD_NOT_DOWNLOADED));
+        EXPECT_EQ(hba->downloadStat, c.board);
         EXPECT_EQ(other->downloadStat, BOARD_NOT_DOWNLOADED);
         EXPECT_EQ(runCounters.downloadFailCount, 1);
-        EXPECT_EQ(runCounters.boardFailCount + 2 * runCounters.boardDownloadCount, grp ? 3 : 0);
-        EXPECT_NE(out().find(shown), std::string::npos);
+        EXPECT_EQ(runCounters.boardDownloadCount, c.boardCount);
+        EXPECT_EQ(runCounters.boardFailCount, c.boardCount);
+        EXPECT_NE(out().find(c.shown), std::string::npos);
     }
 }
 
-TEST_F(Download, ABoardIsSerialNumberBusAndDomain) {
+TEST_F(Download, ABoardIsKnownBySerialNumberBusAndDomain) {
     HbaRecord* first = addPort(0xE300, "1.0.0.0", "AB1");
-    const HbaRecord* same = addPort(0xF400, "1.0.0.0", "ab1");
-    HbaRecord* others[] = {addPort(0xE300, "1.0.0.0", "AB1"), addPort(0xE300, "1.0.0.0", "AB1"),
-                           addPort(0xE300, "1.0.0.0", "AB12")};
-    others[0]->busNumber = 2;
-    others[1]->domain = 1;
-    first->fwDownloadStatus = 29;
+    const HbaRecord* samePort = addPort(0xF400, "1.0.0.0", "ab1");
+    HbaRecord* otherBus = addPort(0xE300, "1.0.0.0", "AB1");
+    HbaRecord* otherDomain = addPort(0xE300, "1.0.0.0", "AB1");
+    const HbaRecord* otherSerialNumber = addPort(0xE300, "1.0.0.0", "AB12");
+    otherBus->busNumber = 2;
+    otherDomain->domain = 1;
+    first->fwDownloadStatus = OUTCOME_ACTIVATED;
     first->downloadStat = BOARD_ACTIVATED;
     updateCNAdownloadStatus(first);
-    EXPECT_TRUE(same->fwDownloadStatus == 29 && same->downloadStat == BOARD_ACTIVATED);
-    for (const HbaRecord* other : others) {
-        EXPECT_EQ(other->downloadStat, BOARD_NOT_DOWNLOADED);
-    }
+    EXPECT_EQ(samePort->fwDownloadStatus, OUTCOME_ACTIVATED);
+    EXPECT_EQ(samePort->downloadStat, BOARD_ACTIVATED);
+    EXPECT_EQ(otherBus->downloadStat, BOARD_NOT_DOWNLOADED);
+    EXPECT_EQ(otherDomain->downloadStat, BOARD_NOT_DOWNLOADED);
+    EXPECT_EQ(otherSerialNumber->downloadStat, BOARD_NOT_DOWNLOADED);
 }
 
 TEST_F(Download, ADownloadWhoseTempFileCannotBeOpenedIsTraced) {

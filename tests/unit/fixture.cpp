@@ -42,8 +42,8 @@ RunTest::~RunTest() {
     fs::remove_all(directory);
 }
 
-// What was written to the file since the last call: it is read from where that ended to its end.
-static std::string takeText(FILE* file, long& taken) {
+// Returns what was written to the file after position `taken`, which becomes its end.
+static std::string newText(FILE* file, long& taken) {
     std::string text(static_cast<size_t>(ftell(file) - taken), '\0');
     fseek(file, taken, SEEK_SET);
     text.resize(fread(text.data(), 1, text.size(), file));
@@ -53,11 +53,11 @@ static std::string takeText(FILE* file, long& taken) {
 }
 
 std::string RunTest::out() {
-    return takeText(logFile, outTaken);
+    return newText(logFile, outTaken);
 }
 
 std::string RunTest::traces() {
-    return takeText(dbgFile, tracesTaken);
+    return newText(dbgFile, tracesTaken);
 }
 
 void RunTest::write(const std::string& name, const std::string& content) {

@@ -16,11 +16,19 @@ struct Images : RunTest {};
 TEST_F(Images, VersionTextsBecomeFourNumbers) {
     for (const auto& [text, bufSize, status, numbers] : Rows<const char*, uint32_t, int, Numbers>{
              // clang-format off
-        {"14.4.473.14", 64, 0, {14, 4, 473, 14}}, {"3.0.1.2", 64, 0, {2, 0, 1, 2}}, {"2.3.3.3", 64, 0, {2, 3, 3, 3}},
-        {"12.6", 64, 4, {12, 6, 0, 0}}, {"1..2.3.4", 64, 0, {1, 2, 3, 4}}, {".1.2.3.4.", 64, 0, {1, 2, 3, 4}},
-        {"1.2.3.4.5", 64, 0, {1, 2, 3, 4}}, {"14b.x.-5.+6", 64, 0, {14, 0, 0, 0}}, {"NONE", 64, 4, {0, 0, 0, 0}},
+        {"14.4.473.14",                            64, 0, {14, 4, 473, 14}},
+        {"3.0.1.2",                                64, 0, {2, 0, 1, 2}},
+        {"2.3.3.3",                                64, 0, {2, 3, 3, 3}},
+        {"12.6",                                   64, 4, {12, 6, 0, 0}},
+        {"1..2.3.4",                               64, 0, {1, 2, 3, 4}},
+        {".1.2.3.4.",                              64, 0, {1, 2, 3, 4}},
+        {"1.2.3.4.5",                              64, 0, {1, 2, 3, 4}},
+        {"14b.x.-5.+6",                            64, 0, {14, 0, 0, 0}},
+        {"NONE",                                   64, 4, {0, 0, 0, 0}},
         {"4294967296.1.2.99999999999999999999999", 64, 0, {4294967295, 1, 2, 4294967295}},
-        {"...", 64, 4, {0, 0, 0, 0}}, {"", 64, 4, {9, 9, 9, 9}}, {"1.2.3.456", 8, 0, {1, 2, 3, 4}},
+        {"...",                                    64, 4, {0, 0, 0, 0}},
+        {"",                                       64, 4, {9, 9, 9, 9}},
+        {"1.2.3.456",                              8,  0, {1, 2, 3, 4}},
              // clang-format on
          }) {
         Numbers n = {9, 9, 9, 9};
@@ -30,7 +38,6 @@ TEST_F(Images, VersionTextsBecomeFourNumbers) {
     EXPECT_EQ(traces(), "[encodeCNAVersion] - pDecodedVersion is zero-length!\n");
 }
 
-// The parts can be asked alone, and then take nothing for granted.
 TEST_F(Images, ANullArgumentIsRefused) {
     uint32_t n = 9;
     CLUImage image = fileImage(64, "1.2.3.4");
@@ -59,7 +66,7 @@ TEST_F(Images, ANullArgumentIsRefused) {
     EXPECT_EQ(getGRPBuildVersion("a.bin", &image), RM_STATUS_ERROR_INCOMP_IMAGE);
 }
 
-TEST_F(Images, HeadersAreTriedFamilyByFamilyAndTracedByWhatIsWrong) {
+TEST_F(Images, AHeaderIsTriedAgainstEachFamilyAndTheTraceNamesWhatIsWrong) {
     const struct {
         uint32_t magicNumber, signature;
         std::string buildString;
@@ -67,18 +74,21 @@ TEST_F(Images, HeadersAreTriedFamilyByFamilyAndTracedByWhatIsWrong) {
         std::string version, wrong;
     } cases[] = {
         // clang-format off
-        {0xFEAA0003, 0xF70C0000, "14.0.1.2", 64, "14.0.1.2", ""}, {0xFEAA0010, 0xF7A51234, "14.4.1", 66, "14.4.1", ""},
-        {0xFEAA0005, 0xF7A4FFFF, "14.0.1.2 for all ports", 65, "14.0.1.2", ""}, {0xFEAA0030, 0xF7A60000, "v14", 67, "", ""},
-        {0xFEAA0020, 0xF7A50000, "14.4.188.1", 66, "14.4.188.1", ""}, {0xFEAA0040, 0xF7A50000, "1.2", 0, "0.0.0.0", ""},
-        {0xFEAA0040, 0xF7A60000, std::string(63, '1'), 67, std::string(63, '1'), ""},
-        {0xFEAA0040, 0xF7A60000, std::string(64, '1'), 0, "", "version decode bad"},
-        {0xFEAA0040, 0xF7A60000, std::string(127, 'x'), 67, "", ""},
-        {0xFEAA0040, 0xF7A60000, std::string(128, '1'), 0, "", "version decode bad"},
-        // The second magic number of a family is not known to the trace.
-        {0xFEAA0030, 0xF70C0000, "1.2.3.4", 0, "0.0.0.0", "magic number bad"},
-        {0xFEAA0099, 0xF7A50000, "1.2.3.4", 0, "0.0.0.0", "magic number bad"},
-        {0xFEAA0003, 0xF7990000, "1.2.3.4", 0, "0.0.0.0", "signature bad"},
-        {0x0300AAFE, 0x00000CF7, "1.2.3.4", 0, "0.0.0.0", "magic number bad signature bad"},
+        {0xFEAA0003, 0xF70C0000, "14.0.1.2",               64, "14.0.1.2",           ""},
+        {0xFEAA0010, 0xF7A51234, "14.4.1",                 66, "14.4.1",             ""},
+        {0xFEAA0005, 0xF7A4FFFF, "14.0.1.2 for all ports", 65, "14.0.1.2",           ""},
+        {0xFEAA0030, 0xF7A60000, "v14",                    67, "",                   ""},
+        {0xFEAA0020, 0xF7A50000, "14.4.188.1",             66, "14.4.188.1",         ""},
+        {0xFEAA0040, 0xF7A50000, "1.2",                    0,  "0.0.0.0",            ""},
+        {0xFEAA0040, 0xF7A60000, std::string(63, '1'),     67, std::string(63, '1'), ""},
+        {0xFEAA0040, 0xF7A60000, std::string(64, '1'),     0,  "",                   "version decode bad"},
+        {0xFEAA0040, 0xF7A60000, std::string(127, 'x'),    67, "",                   ""},
+        {0xFEAA0040, 0xF7A60000, std::string(128, '1'),    0,  "",                   "version decode bad"},
+        // The trace does not know the second magic number of a family.
+        {0xFEAA0030, 0xF70C0000, "1.2.3.4",                0,  "0.0.0.0",            "magic number bad"},
+        {0xFEAA0099, 0xF7A50000, "1.2.3.4",                0,  "0.0.0.0",            "magic number bad"},
+        {0xFEAA0003, 0xF7990000, "1.2.3.4",                0,  "0.0.0.0",            "signature bad"},
+        {0x0300AAFE, 0x00000CF7, "1.2.3.4",                0,  "0.0.0.0",            "magic number bad signature bad"},
         // clang-format on
     };
     for (const auto& c : cases) {
@@ -106,11 +116,19 @@ TEST_F(Images, DirectoryBecomesASortedList) {
         bool listed = true;
     } files[] = {
         // clang-format off
-        {"h.grp", 67, "14.4.188.1", 0}, {"m.grp", 66, "15.0.0.0", 0x11}, {"l.grp", 66, "14.4.200.0", 0x11},
-        {"g.grp", 66, "14.4.188.1", 0x11}, {"f.grp", 66, "14.4.188.0", 0}, {"k.grp", 66, "14.3.999.9", 0},
-        {"b.grp", 65, "14.2.1.1", 0}, {"c.GRP", 65, "14.1.1.1", 0}, {"d.grp.bak", 65, "14.1.1.1", 0},
-        {"a.grp", 65, "14.0.1.1", 0}, {name63, 64, "1.0.0.0", 0}, {"e.Grp", 65, "15.0.0.0", 0, false},
-        {"n" + name63, 64, "2.0.0.0", 0, false},
+        {"h.grp",      67, "14.4.188.1", 0},
+        {"m.grp",      66, "15.0.0.0",   0x11},
+        {"l.grp",      66, "14.4.200.0", 0x11},
+        {"g.grp",      66, "14.4.188.1", 0x11},
+        {"f.grp",      66, "14.4.188.0", 0},
+        {"k.grp",      66, "14.3.999.9", 0},
+        {"b.grp",      65, "14.2.1.1",   0},
+        {"c.GRP",      65, "14.1.1.1",   0},
+        {"d.grp.bak",  65, "14.1.1.1",   0},
+        {"a.grp",      65, "14.0.1.1",   0},
+        {name63,       64, "1.0.0.0",    0},
+        {"e.Grp",      65, "15.0.0.0",   0, false},
+        {"n" + name63, 64, "2.0.0.0",    0, false},
         // clang-format on
     };
     for (const auto& file : files) {

@@ -19,27 +19,34 @@ struct Matrix : RunTest {
 
 TEST_F(Matrix, TheLastLineForTheModelDecides) {
     const std::string name31 = std::string(27, 'f') + ".grp";
+    const std::string q31 = std::string(31, 'Q');
     const std::string longLine = "QVa5202 a.grp" + std::string(242, ' ');  // 255 characters, so the rest is a line
     const struct {
         std::string text;
-        const char* model;
+        std::string model;
         uint32_t deviceId;
         int matches;
         std::string fwFile = "NONE", bcFile = "NONE";
     } cases[] = {
         // clang-format off
-        {"/ QVa5202 a.grp\n  / QVa5202 a.grp\n\n \t\n", "QVa5202", 0xE300, 0}, {"", "QVa5202", 0xE300, 0},
-        {"qva5202 \t A.Grp boot.grp x\r\n", "QVa5202", 0xE300, 1, "A.Grp"}, {"\n", "NONE", 0xE300, 0},
-        {"  QVa5202 a.grp", "QVa5202", 0xE300, 1, "a.grp"}, {"/x a.grp\n", "/x", 0xE300, 0}, {"QVx1\n", "QVx1", 0x1111, 1},
-        {"QVa5202 a.grp\nQVa5202\n", "QVa5202", 0xE300, 2}, {"QVa52021 a.grp\nQVa520 a.grp\n", "QVa5202", 0xE300, 0},
-        {"QVa5202\nQVa6100 b.grp\nQVa5202 a.grp\n", "QVa5202", 0xE300, 2, "a.grp"},
-        {"QVa5202 " + name31 + "\n", "QVa5202", 0xE300, 1, name31},
-        {"QVa5202 f" + name31 + "\n", "QVa5202", 0xE300, 1, "INVALID_FILE"}, {"QVa5202-X a.grp\n", "QVa5202", 0xE300, 0},
-        {"QVa5202-X a.grp\n", "QVa5202-X", 0xE300, 1, "a.grp"},
-        {"QVx1-X a.grp b.grp c.grp\n", "QVx1", 0x1111, 1, "a.grp", "b.grp"},
-        {"QVx1-X a.grp b" + name31 + "\n", "QVx1", 0x1111, 1, "a.grp", "INVALID_FILE"},
-        {longLine + "QVa5202 b.grp\n", "QVa5202", 0xE300, 2, "b.grp"},
-        {std::string(32, 'Q') + " a.grp\n", "QQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQ", 0xE300, 0},
+        {"/ QVa5202 a.grp\n  / QVa5202 a.grp\n\n \t\n", "QVa5202",   0xE300, 0},
+        {"",                                            "QVa5202",   0xE300, 0},
+        {"qva5202 \t A.Grp boot.grp x\r\n",             "QVa5202",   0xE300, 1, "A.Grp"},
+        {"\n",                                          "NONE",      0xE300, 0},
+        {" QVa5202 a.grp",                              "QVa5202",   0xE300, 1, "a.grp"},
+        {"/x a.grp\n",                                  "/x",        0xE300, 0},
+        {"QVx1\n",                                      "QVx1",      0x1111, 1},
+        {"QVa5202 a.grp\nQVa5202\n",                    "QVa5202",   0xE300, 2},
+        {"QVa52021 a.grp\nQVa520 a.grp\n",              "QVa5202",   0xE300, 0},
+        {"QVa5202\nQVa6100 b.grp\nQVa5202 a.grp\n",     "QVa5202",   0xE300, 2, "a.grp"},
+        {"QVa5202 " + name31 + "\n",                    "QVa5202",   0xE300, 1, name31},
+        {"QVa5202 f" + name31 + "\n",                   "QVa5202",   0xE300, 1, "INVALID_FILE"},
+        {"QVa5202-X a.grp\n",                           "QVa5202",   0xE300, 0},
+        {"QVa5202-X a.grp\n",                           "QVa5202-X", 0xE300, 1, "a.grp"},
+        {"QVx1-X a.grp b.grp c.grp\n",                  "QVx1",      0x1111, 1, "a.grp", "b.grp"},
+        {"QVx1-X a.grp b" + name31 + "\n",              "QVx1",      0x1111, 1, "a.grp", "INVALID_FILE"},
+        {longLine + "QVa5202 b.grp\n",                  "QVa5202",   0xE300, 2, "b.grp"},
+        {"Q" + q31 + " a.grp\n",                        q31,         0xE300, 0},
         // clang-format on
     };
     for (const auto& c : cases) {
@@ -47,7 +54,7 @@ TEST_F(Matrix, TheLastLineForTheModelDecides) {
         open(c.text);
         HbaRecord hba = {};
         hba.deviceId = c.deviceId;
-        copyText(hba.fwMatrixType, sizeof hba.fwMatrixType, c.model);
+        copyText(hba.fwMatrixType, sizeof hba.fwMatrixType, c.model.c_str());
         char fwFile[MATRIX_TOKEN_SIZE], bcFile[MATRIX_TOKEN_SIZE];
         runCounters.knownHbaCount = 0;
         EXPECT_EQ(getFwMatrixMatch(&hba, fwFile, bcFile), c.matches != 0);
@@ -67,7 +74,7 @@ TEST_F(Matrix, TheEntryCheckReadsFromTheFirstColumn) {
              {" / comment\n\n", unknown + "\n" + unknown + "\n"},
              {" QVa5202 a.grp\n", unknown + "\n"},
              {"QVa5202-X a.grp\n", unknown + "QVa5202-X\n"},
-             {"QVa5202\xE4 a.grp\n", ""},  // the entry ends in front of the byte
+             {"QVa5202\xE4 a.grp\n", ""},  // the entry ends before the byte
              {std::string(40, 'Q') + "\n", unknown + std::string(31, 'Q') + "\n"},
              {std::string(300, 'Q'), unknown + std::string(31, 'Q') + "\n" + unknown + std::string(31, 'Q') + "\n"},
          }) {

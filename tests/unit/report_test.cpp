@@ -1,4 +1,4 @@
-// The roll-up, the rows, RM.INI and what makes values safe for XML.
+// The closing sentence, the rows, RM.INI, and the escapes of the XML document.
 #include "output/diagnostic_log.h"
 #include "records/run_counters.h"
 #include "report/port_rows.h"
@@ -8,7 +8,7 @@
 #include "unit/fixture.h"
 
 struct Report : RunTest {
-    // @ stands for the program's name.
+    // In `console`, @ is replaced by the program's name.
     void expectStatus(ReturnCode report(), int code, std::string console, const std::string& xml) {
         console.replace(console.find('@'), 1, "tarnlift.exe: ");
         for (const std::string& shown :
@@ -63,8 +63,15 @@ TEST_F(Report, QueriesHaveTheirOwnSentence) {
 TEST_F(Report, ARebootIsAdvisedForBoardsThatWaitForIt) {
     for (const auto& [downloads, failures, noReboot, preview, advised] : Rows<uint16_t, uint16_t, uint16_t, int, bool>{
              // clang-format off
-        {0, 0, 0, 0, false}, {1, 0, 0, 0, true}, {1, 0, 0, 1, false}, {1, 1, 0, 0, false}, {1, 0, 1, 0, false},
-        {3, 1, 1, 0, true}, {3, 1, 2, 0, false}, {2, 4, 0, 0, false}, {3, 2, 2, 0, false},
+        {0, 0, 0, 0, false},
+        {1, 0, 0, 0, true},
+        {1, 0, 0, 1, false},
+        {1, 1, 0, 0, false},
+        {1, 0, 1, 0, false},
+        {3, 1, 1, 0, true},
+        {3, 1, 2, 0, false},
+        {2, 4, 0, 0, false},
+        {3, 2, 2, 0, false},
              // clang-format on
          }) {
         runCounters = {.boardDownloadCount = downloads, .boardFailCount = failures, .boardNoRebootCount = noReboot};
@@ -74,7 +81,7 @@ TEST_F(Report, ARebootIsAdvisedForBoardsThatWaitForIt) {
     }
 }
 
-TEST_F(Report, AVersionOfNoGrpFamilyLosesItsFirstTwoCharacters) {
+TEST_F(Report, OutsideTheGrpFamiliesAVersionLosesItsFirstTwoCharacters) {
     HbaRecord* hba = addPort(0x1111, "1.0.0.0");
     char row[512];
     for (auto [version, shown] : {std::pair{"14.0.1.2", ".0.1.2"}, {"14", ""}, {"1", ""}, {"", ""}}) {
@@ -110,7 +117,7 @@ TEST_F(Report, SettingsFileIsReadToTheEnd) {
     EXPECT_EQ((std::vector{s.dbgMode, s.logMode, s.param01, s.param02, s.param03, s.inSizeR, uint32_t{s.fillByte}}),
               (std::vector{0x10U, 16U, ~0U, ~0U, ~0U, ~0U, 0xFFU}))
         << "a line without a number keeps that of the line before";
-    EXPECT_EQ(openRmIni(), 1);  // a second reading, in which no line before has a number
+    EXPECT_EQ(openRmIni(), 1);  // a second reading, in which no earlier line has a number
     write("RM.INI", "#comment\nDBG_MODE=x\n" + std::string(200, 'a') + "\n");
     testing::internal::CaptureStdout();
     parseRmIni();

@@ -1,4 +1,4 @@
-// The decisions: modes by relations, with and without the second ASIC revision, over the real selection.
+// The decisions for each operation and each relation of versions, with and without the second ASIC revision.
 #include <vector>
 
 #include "images/image_catalogue.h"
@@ -12,7 +12,7 @@
 #include "unit/fixture.h"
 
 struct Rules : RunTest {
-    // Sets the one operation in force.
+    // Selects one operation.
     static void setMode(int RunOptions::*mode) {
         runOptions.update = runOptions.rewrite = runOptions.downgrade = runOptions.forceFw = 0;
         runOptions.*mode = 1;
@@ -31,7 +31,7 @@ TEST_F(Rules, ADownloadIsDueByModeAndRelation) {
     const struct {
         uint32_t family;
         const char* version;
-        int due[4];  // by the modes in their order
+        int due[4];  // by each of the modes, in their order
     } candidates[] = {
         {65, "14.2.0.1", {1, 1, 0, 1}},  {65, "14.2.0.0", {0, 1, 0, 1}}, {65, "14.1.9.9", {0, 0, 1, 1}},
         {66, "1.0.0.0", {1, 1, 0, 1}},   {64, "99.0.0.0", {0, 0, 1, 1}}, {65, "14.10.0.0", {1, 1, 0, 1}},
@@ -53,9 +53,10 @@ TEST_F(Rules, ADownloadIsDueByModeAndRelation) {
     EXPECT_EQ(isUpdateNeededCNA(&noFamily, &newer, 0), 1);
 }
 
-// What /auto takes from a firmware directory: the file of the preview's row, or what is left of it.
-TEST_F(Rules, AutoTakesTheRightImageOfTheDirectory) {
+// The image that /auto chooses from a firmware directory is in the row of a preview.
+TEST_F(Rules, AutoChoosesTheRightImageOfTheDirectory) {
     static constexpr char none[] = "";
+    static constexpr PortOutcome NO_IMAGE = OUTCOME_NO_COMPATIBLE_FIRMWARE;
     const std::vector<const char*> steps = {"14.2.1.1", "14.0.1.1", "12.8.1.1"};
     const std::vector<const char*> b1 = {"14.4.190.0", "14.4.188.1", "14.2.0.0"};
     const struct {
@@ -64,22 +65,21 @@ TEST_F(Rules, AutoTakesTheRightImageOfTheDirectory) {
         const char* running;
         uint32_t family;
         std::vector<const char*> images;
-        const char* taken[4];              // by the modes in their order
-        int outcome = OUTCOME_NOT_NEEDED;  // of a mode that takes nothing
+        const char* chosen[4];                     // by each of the modes, in their order
+        PortOutcome outcome = OUTCOME_NOT_NEEDED;  // of a mode that chooses nothing
     } cases[] = {
         // clang-format off
         {"at the middle", 0xF400, 0, "14.0.1.1", 65, steps, {"14.2.1.1", "14.2.1.1", "12.8.1.1", "14.2.1.1"}},
         {"at the highest", 0xF400, 0, "14.2.1.1", 65, steps, {none, "14.2.1.1", "14.0.1.1", "14.2.1.1"}},
         {"above all", 0xF400, 0, "14.4.1.1", 65, steps, {none, none, "14.2.1.1", "14.2.1.1"}},
         {"below all", 0xF400, 0, "12.8.1.1", 65, steps, {"14.2.1.1", "14.2.1.1", none, "14.2.1.1"}},
-        {"numbers, not texts", 0xF400, 0, "14.4.9.1", 65, {"14.4.188.1"}, {"14.4.188.1", "14.4.188.1", none, "14.4.188.1"}},
+        {"numbers, not texts", 0xF400, 0, "14.4.9.1", 65, {"14.4.88.1"}, {"14.4.88.1", "14.4.88.1", none, "14.4.88.1"}},
         {"major 3 counts as 2", 0xF400, 0, "2.9.0.0", 65, {"3.0.0.0"}, {none, none, "3.0.0.0", "3.0.0.0"}},
-        {"other family", 0xF400, 0, "1.0.0.0", 66, b1, {none, none, none, none}, OUTCOME_NO_COMPATIBLE_FIRMWARE},
+        {"other family", 0xF400, 0, "1.0.0.0", 66, b1, {none, none, none, none}, NO_IMAGE},
         {"B1, fit and older", 0xF500, 0x11, "14.4.188.1", 66, b1, {"14.4.190.0", "14.4.190.0", none, "14.4.190.0"}},
         {"B1, fit ones only", 0xF500, 0x11, "14.4.190.0", 66, b1, {none, "14.4.190.0", "14.4.188.1", "14.4.190.0"}},
-        {"B1, older only", 0xF500, 0x11, "14.0.0.0", 66, {"14.4.188.0"}, {none, none, none, none},
-         OUTCOME_NO_COMPATIBLE_FIRMWARE},
-        {"above B1", 0xF500, 0x12, "14.0.0.0", 66, b1, {none, none, none, none}, OUTCOME_NO_COMPATIBLE_FIRMWARE},
+        {"B1, older only", 0xF500, 0x11, "14.0.0.0", 66, {"14.4.188.0"}, {none, none, none, none}, NO_IMAGE},
+        {"above B1", 0xF500, 0x12, "14.0.0.0", 66, b1, {none, none, none, none}, NO_IMAGE},
         {"below B1", 0xF500, 0x10, "14.4.188.1", 66, b1, {"14.4.190.0", "14.4.190.0", "14.2.0.0", "14.4.190.0"}},
         {"no second revision", 0xF600, 0x11, "14.4.190.0", 67, {"14.2.0.0"}, {none, none, "14.2.0.0", "14.2.0.0"}},
         // clang-format on
@@ -101,10 +101,10 @@ TEST_F(Rules, AutoTakesTheRightImageOfTheDirectory) {
             hba->fwImage.asicRevisionId = c.revision;
             ASSERT_EQ(discoverAutoFirmware(), 0);
             processHbaAuto(hba);
-            bool taken = c.taken[m][0] != '\0';
-            EXPECT_EQ(std::string(hba->downloadRow).find(std::string("New=") + c.taken[m] + ",") != std::string::npos,
-                      taken);
-            EXPECT_EQ(hba->fwDownloadStatus, taken ? OUTCOME_PREVIEW_SUCCEEDED : c.outcome);
+            bool chosen = c.chosen[m][0] != '\0';
+            EXPECT_EQ(std::string(hba->downloadRow).find(std::string("New=") + c.chosen[m] + ",") != std::string::npos,
+                      chosen);
+            EXPECT_EQ(hba->fwDownloadStatus, chosen ? OUTCOME_PREVIEW_SUCCEEDED : c.outcome);
             freeCLUImageList(gFirmwareImageList);
             gFirmwareImageList = nullptr;
         }

@@ -1,14 +1,16 @@
-// The tables that the program decides by, walked as data.
+// The tables that the program decides by.
 #include <set>
 
 #include "records/adapter_families.h"
 #include "selection/fw_matrix.h"
 #include "unit/fixture.h"
 
-TEST(Tables, FamiliesAreKnownByEachOfTheirMarksAlone) {
-    std::set<std::pair<std::string, uint32_t>> marks;
+TEST(Tables, AFamilyIsFoundByEachOfItsNumbersAlone) {
+    std::set<std::pair<std::string, uint32_t>> numbers;
     for (const AdapterFamily& family : adapterFamilies) {
-        auto isItsOwn = [&](const char* kind, uint32_t mark) { return mark == 0 || marks.insert({kind, mark}).second; };
+        auto isItsOwn = [&](const char* kind, uint32_t number) {
+            return number == 0 || numbers.insert({kind, number}).second;
+        };
         EXPECT_TRUE(isItsOwn("type", family.imageType) && isItsOwn("signature", family.signature)) << family.name;
         EXPECT_EQ(familyOfImageType(family.imageType), &family);
         for (uint32_t id : family.deviceIds) {
@@ -33,7 +35,7 @@ TEST(Tables, MatrixModelsAreOfKnownFamilies) {
     EXPECT_STREQ(shortCode, "XX");
 }
 
-TEST(Tables, DevicesAreOfTheLineAndModelsThatTheirIdNames) {
+TEST(Tables, TheDeviceIdDecidesLineAndModel) {
     const struct {
         uint32_t deviceId;
         int tambor, tamborT6, coral, coralPlus, coralPlusSSec;
