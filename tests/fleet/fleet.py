@@ -18,7 +18,8 @@ import tarnlift_end as end  # noqa: E402
 import tarnlift_plan as plan  # noqa: E402
 
 UPDATED = {
-    "auto": "changed updated", "canary": "changed updated", "current": "ok current", "half": "failed failed",
+    "auto": "changed updated", "canary": "changed updated", "current": "ok current", "cut-off": "failed no-report",
+    "gone": "failed none", "half": "failed failed",
     "intruder": "failed none", "liar": "failed not-installed", "lost": "changed updated", "no-adapters": "ok no-adapters",
     "node1": "changed updated", "node2": "changed updated", "old-system": "failed failed", "refuses": "failed failed",
     "twin": "failed none", "two-boards": "changed updated", "unlisted": "ok skipped", "waits": "failed waiting"}
@@ -52,7 +53,11 @@ class Rehearsal(unittest.TestCase):
         self.assertEqual(set(self.ended("misspelled").values()), {"failed none"})
 
     def test_without_a_word_nothing_is_written(self):
-        self.assertEqual(self.ended("preview")["canary"], "changed would-update")  # changed: the files were copied
+        self.assertEqual(self.ended("preview"), {  # changed: the files were copied
+            "canary": "changed would-update", "current": "changed current", "cut-off": "failed none",
+            "killed": "changed would-update", "no-adapters": "changed no-adapters", "node1": "changed would-update",
+            "unlisted": "changed skipped"})
+        self.assertIn("Run the play with tarnlift_apply=true", self.last_line("preview", "cut-off"))
         for step in ("misspelled", "preview", "check"):
             self.assertEqual(self.calls(step), [], step)
         self.assertEqual(self.ended("check"), {"canary": "changed would-update", "current": "ok current"})
@@ -66,13 +71,15 @@ class Rehearsal(unittest.TestCase):
                 ("liar", r"10:00:[0-9A-F:]+:01, 10:00:[0-9A-F:]+:02 \(QVa5104\): the query .* shows 14.2.100.5, not 14.4.473.14"),
                 ("half", r"\(QVa6102\): Download failed.*no reboot, since the server failed"),
                 ("old-system", "return code 9"),
+                ("cut-off", "ended without a return code"),
                 ("intruder", r"C:\\Tarnlift\\version.dll")):
             self.assertRegex(self.last_line("update", server), reason)
 
-    def test_partners_reboot_one_after_the_other_between_their_tasks(self):
+    def test_servers_reboot_one_after_the_other_between_their_tasks(self):
         lines = self.text("reboots.txt").split("\n")
         self.assertEqual([line for line in lines if "node" in line],
                          ["node1 drained", "node1", "node1 resumed", "node2 drained", "node2", "node2 resumed"])
+        self.assertEqual([line for line in lines if " " in line.replace(" drained", "").replace(" resumed", "")], [])
         self.assertIn("left as it is, since refuses of the partners pair-a failed", self.last_line("update", "twin"))
         self.assertIn("no reboot, since partners do not answer: killed", self.last_line("update", "waits"))
 
@@ -107,6 +114,7 @@ class Rehearsal(unittest.TestCase):
         last = self.text("update.log").split("PLAY RECAP")[1]
         self.assertRegex(last, "(?s)refuses.*not-installed.*waits .*updated")
         self.assertIn(f"Page: {self.results}/fleet.html", last)
+        self.assertRegex(last, "gone +no-report .*unreachable: no answer")
         self.assertTrue((self.results / "fleet.html").stat().st_size)
 
 

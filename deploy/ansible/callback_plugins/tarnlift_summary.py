@@ -23,14 +23,25 @@ class CallbackModule(CallbackBase):
     def __init__(self):
         super().__init__()
         self.setup = None
+        self.begun = False
 
     def v2_runner_on_ok(self, result):
         """Notes where the results are: the role's first task of each server says it."""
         if result._task.action == "tarnlift_check_variables":
             self.setup = result._result
+        self.begun = self.begun or result._task.action in ("tarnlift_plan", "tarnlift_end")
+
+    def v2_runner_on_unreachable(self, result):
+        """Keeps the reason: a server that is lost for good does not come to the role's last task."""
+        if self.setup is None or result._task.ignore_unreachable:
+            return
+        kept = os.path.join(self.setup["kept_in"], "reports", result._host.get_name())
+        if not os.path.exists(kept + ".xml"):
+            with open(kept + ".refused", "w", encoding="utf-8") as file:
+                file.write(f"unreachable: {result._result.get('msg', '')}\n")
 
     def v2_playbook_on_stats(self, stats):
-        if self.setup is None:
+        if not (self.setup and self.begun):
             return
         results, tarnfleet = self.setup["kept_in"], self.setup["tarnfleet"]
         reports, page = os.path.join(results, "reports"), os.path.join(results, "fleet.html")

@@ -76,9 +76,16 @@ set_up_servers() {
     server intruder
     board QVa5104 E300 $old
     touch "$directory/servers/intruder/Tarnlift/version.dll"
+    # The server was restarted during an update: output, and no return code.
+    server cut-off
+    board QVa5104 E300 $old
+    mkdir "$directory/servers/cut-off/Tarnlift/run"
+    echo '<?xml version="1.0" encoding="UTF-8"?><Execution>' >"$directory/servers/cut-off/Tarnlift/run/report.xml"
+    echo '{}' >"$directory/servers/cut-off/acl.json"
+    server gone
+    touch "$directory/servers/gone/down"
     server killed
     board QVa5104 E300 $old delay=4000
-    touch "$directory/servers/killed/down"
 }
 
 # Servers for a rehearsal of many, and their inventory: each needs an update, every fifth then waits for a reboot, and

@@ -52,7 +52,8 @@ class ActionModule(ActionBase):
 
         ports, reasons = found.get("ports", []), found.get("reasons", [])
         line = [NOT_RUN if state == "not-run" else state + (f", return code {code} ({meaning.get('text', '')})" if code is not None else ""), problem, given["note"]]
-        line += without_repeats(reasons, ports, code) + port_lines(ports, outcome == "failed")
+        line += [reason for reason in without_repeats(reasons, ports, code) if reason != meaning.get("text")]
+        line += port_lines(ports, outcome == "failed")
         if outcome == "failed" and found.get("reboot"):
             line.append("no reboot, since the server failed, but ports wait for one")
 

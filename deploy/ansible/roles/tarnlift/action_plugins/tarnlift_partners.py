@@ -10,7 +10,7 @@ class ActionModule(ActionBase):
         result = super().run(tmp, task_vars)
         group, server, hosts = self._task.args["group"], task_vars["inventory_hostname"], task_vars["hostvars"]
         partners = [name for name in task_vars["groups"]["all"]
-                    if name != server and hosts[name].get("tarnlift_partners", "") == group]
+                    if name != server and str(hosts[name].get("tarnlift_partners") or "") == group]
         together = [name for name in partners if name in task_vars["ansible_play_batch"]]
         # A server that failed or could not be reached is no longer among the hosts of the play.
         lost = [name for name in partners if name in task_vars["ansible_play_hosts_all"]

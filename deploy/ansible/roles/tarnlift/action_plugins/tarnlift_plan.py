@@ -60,7 +60,7 @@ class ActionModule(ActionBase):
         names, results = task_vars["ansible_play_hosts_all"], Path(self._task.args["results"])
         sizes = self._task.args["batches"]
         hosts = task_vars["hostvars"]
-        batches = divide([(name, hosts[name].get("tarnlift_partners", "")) for name in names],
+        batches = divide([(name, str(hosts[name].get("tarnlift_partners") or "")) for name in names],
                          sizes if isinstance(sizes, list) and sizes else [sizes])
         reports = results / "reports"
         reports.mkdir(parents=True, exist_ok=True)

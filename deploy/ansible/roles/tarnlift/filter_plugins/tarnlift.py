@@ -40,6 +40,7 @@ def rights_problem(sddl, root, directory):
 def survey(listing, directory, source):
     """`listing` is the result of list-directory.ps1: the directory itself first, then everything below it."""
     ours, foreign, rights, other_firmware, run = files_of(source), [], [], [], False
+    listing = [listing] if isinstance(listing, dict) else listing or []
     for item in listing:
         name = item["path"][len(directory):].lstrip("\\").lower()
         if item["link"]:

@@ -9,6 +9,7 @@ import json
 import os
 import shutil
 import subprocess
+import time
 from pathlib import Path
 
 from ansible.errors import AnsibleConnectionFailure
@@ -40,6 +41,8 @@ class StandIn(ActionBase):
         self.here = self.server / "Tarnlift"
         module = self._task.action.split(".")[-1]
         self.note(module)
+        if (self.server / "down").exists():
+            raise AnsibleConnectionFailure("no answer")
         result["changed"] = False
         result.update(getattr(self, module)())
         return result
@@ -132,8 +135,6 @@ class StandIn(ActionBase):
         return {"content": base64.b64encode(self.native(self.given["src"]).read_bytes()).decode(), "encoding": "base64"}
 
     def win_ping(self):
-        if (self.server / "down").exists():
-            raise AnsibleConnectionFailure("no answer")
         return {"ping": "pong"}
 
     def win_reboot(self):
@@ -143,6 +144,7 @@ class StandIn(ActionBase):
         mine = rebooting / self.server.name
         mine.touch()
         subprocess.run([self.here / "winhbcfg.exe", "reboot"], check=True, capture_output=True)
+        time.sleep(0.5)
         with (rebooting.parent / "reboots.txt").open("a") as reboots:
             reboots.write(" ".join(sorted(item.name for item in rebooting.iterdir())) + "\n")
         mine.unlink()
