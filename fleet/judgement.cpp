@@ -41,8 +41,8 @@ static const CodeRow* findCode(int code) {
     return row == std::end(codeRows) ? nullptr : row;
 }
 
-static std::string codeText(int code, std::string_view meaning) {
-    return "return code " + std::to_string(code) + ": " + std::string(meaning);
+static std::string codeText(int code, std::string_view rest) {
+    return std::string("return code ").append(std::to_string(code)).append(rest);
 }
 
 static std::optional<Verdict> judgeCode(int code, std::string_view message) {
@@ -51,7 +51,8 @@ static std::optional<Verdict> judgeCode(int code, std::string_view message) {
     }
     const CodeRow* row = findCode(code);
     const std::string_view meaning = row == nullptr ? UNKNOWN_CODE : row->meaning;
-    return Verdict{row == nullptr ? State::FAILED : row->state, codeText(code, message.empty() ? meaning : message)};
+    return Verdict{row == nullptr ? State::FAILED : row->state,
+                   codeText(code, ": " + std::string(message.empty() ? meaning : message))};
 }
 
 // A server without a document.
@@ -71,7 +72,7 @@ static void judgeMissingReport(const Evidence& evidence, const std::optional<int
     } else if (!evidence.refusal.empty()) {
         verdicts.push_back({State::NO_REPORT, evidence.refusal});
     } else if (code) {
-        verdicts.push_back({State::NO_REPORT, codeText(*code, "but no report")});
+        verdicts.push_back({State::NO_REPORT, codeText(*code, ", but no report")});
     } else {
         verdicts.push_back({State::NO_REPORT, evidence.query ? "there is only a query" : "no report has come"});
     }
@@ -135,8 +136,8 @@ ServerResult fleet::judge(const Evidence& evidence) {
         !evidence.rebooted && (run.rebootRequired || std::any_of(run.ports.begin(), run.ports.end(), asksForReboot));
     std::vector<Verdict> verdicts;
     if (evidence.returnCode && run.returnCode && evidence.returnCode != run.returnCode) {
-        verdicts.push_back(
-            {State::FAILED, codeText(*evidence.returnCode, "the report says " + std::to_string(*run.returnCode))});
+        verdicts.push_back({State::FAILED, codeText(*evidence.returnCode,
+                                                    ", but the report says " + std::to_string(*run.returnCode))});
     }
     if (run.ports.empty()) {
         judgeMissingReport(evidence, server.code, verdicts);

@@ -82,7 +82,7 @@ static int runProgram(std::span<const std::string> arguments) {
     }
     const std::string& word = arguments.front();
     if (word == "--version") {
-        return printText(nameAndVersion() + "\n");
+        return printText(std::string(NAME_AND_VERSION) + "\n");
     }
     const auto* command =
         std::find_if(std::begin(commands), std::end(commands), [&](const Command& row) { return row.name == word; });
@@ -102,12 +102,16 @@ static int runProgram(std::span<const std::string> arguments) {
 
 #ifdef _WIN32
 int wmain(int count, wchar_t** texts) {
-    SetConsoleOutputCP(CP_UTF8);
     std::vector<std::string> arguments;
     for (int i = 1; i < count; i++) {
         arguments.push_back(textOf(texts[i]));
     }
-    return runProgram(arguments);
+    // The console keeps what is set here after the end.
+    const UINT codePage = GetConsoleOutputCP();
+    SetConsoleOutputCP(CP_UTF8);
+    const int exitCode = runProgram(arguments);
+    SetConsoleOutputCP(codePage);
+    return exitCode;
 }
 #else
 int main(int count, char** texts) {

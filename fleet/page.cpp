@@ -55,7 +55,7 @@ static std::string composeData(const std::vector<ServerResult>& servers) {
         preview = preview || server.preview;
     }
     JsonWriter json;
-    json.open('{').name("program").text(nameAndVersion()).name("created").number(int64_t{time(nullptr)});
+    json.open('{').name("program").text(NAME_AND_VERSION).name("created").number(int64_t{time(nullptr)});
     json.name("preview").boolean(preview);
     writeStates(json);
     json.name("servers").open('[');

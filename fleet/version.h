@@ -1,20 +1,12 @@
 // The program's name with its version, which is the updater's: both are released together.
 #pragma once
 
-#include <string>
+#include <string_view>
 
 #include "settings/program_version.h"
 
 namespace fleet {
 
-inline std::string nameAndVersion() {
-    std::string text = "tarnfleet";
-    for (char separator = ' '; int number : {TARNLIFT_VERSION_MAJOR, TARNLIFT_VERSION_MINOR, TARNLIFT_VERSION_RELEASE,
-                                             TARNLIFT_VERSION_BUILD}) {
-        text += separator + std::to_string(number);
-        separator = '.';
-    }
-    return text;
-}
+inline constexpr std::string_view NAME_AND_VERSION = "tarnfleet " TARNLIFT_VERSION_TEXT;
 
 }  // namespace fleet
