@@ -10,7 +10,7 @@
 static constexpr size_t GRP_HEADER_SIZE = 140;
 static constexpr size_t GRP_BUILD_STRING_OFFSET = 12;
 
-// Case counts: a.Grp is no firmware file.
+// Case matters: a.Grp is not a firmware file.
 static bool holdsGrp(const char* name) {
     return strstr(name, ".GRP") != nullptr || strstr(name, ".grp") != nullptr;
 }
@@ -68,18 +68,16 @@ static uint32_t bigEndianWord(const unsigned char* bytes) {
            static_cast<uint32_t>(bytes[2]) << 8 | bytes[3];
 }
 
-// Reads the first bytes of an open file. Its length is looked at first, since a short file has a status of its own.
+// Reads the first bytes of an open file. Does not ask for its length: a `long` of 32 bits cannot hold every length. The
+// seek refuses a device, whose reader would wait for input.
 static int readHeaderBytes(FILE* file, unsigned char bytes[GRP_HEADER_SIZE]) {
-    if (fseek(file, 0, SEEK_END) != 0) {
+    if (fseek(file, 0, SEEK_SET) != 0) {
         return RM_STATUS_ERROR_READING_RESOURCE;
     }
-    if (ftell(file) < static_cast<long>(GRP_HEADER_SIZE)) {
-        return RM_STATUS_ERROR_SHORT_FWIMAGE;
+    if (fread(bytes, GRP_HEADER_SIZE, 1, file) == 1) {
+        return RM_STATUS_OK;
     }
-    if (fseek(file, 0, SEEK_SET) != 0 || fread(bytes, GRP_HEADER_SIZE, 1, file) != 1) {
-        return RM_STATUS_ERROR_READING_RESOURCE;
-    }
-    return RM_STATUS_OK;
+    return ferror(file) != 0 ? RM_STATUS_ERROR_READING_RESOURCE : RM_STATUS_ERROR_SHORT_FWIMAGE;
 }
 
 int readGRPHeader(GrpHeader* header, const char* path, const AdapterFamily* family) {
