@@ -1,4 +1,5 @@
 #include <cstdlib>
+#include <cstring>
 
 #include <windows.h>
 
@@ -9,9 +10,26 @@ struct DirectorySearch {
     HANDLE handle;
 };
 
-static void takeEntry(const WIN32_FIND_DATAA* found, DirectoryEntry* entry) {
+// Returns whether the name holds a character that no file name has. The system makes such names when it translates
+// characters that its code page does not have, such as full-width ones; they name another file or a command.
+static bool isMistranslated(const char* name) {
+    for (; *name != '\0'; name++) {
+        if (IsDBCSLeadByte(static_cast<BYTE>(*name)) && name[1] != '\0') {
+            name++;  // the second byte of a character may look like a backslash
+        } else if (strchr("\\/:*?\"<>|", *name) != nullptr) {
+            return true;
+        }
+    }
+    return false;
+}
+
+static bool copyEntry(const WIN32_FIND_DATAA* found, DirectoryEntry* entry) {
+    if (isMistranslated(found->cFileName)) {
+        return false;
+    }
     copyText(entry->name, sizeof entry->name, found->cFileName);
     entry->isDirectory = (found->dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    return true;
 }
 
 DirectorySearch* openDirectorySearch(const char* path, DirectoryEntry* first) {
@@ -25,17 +43,21 @@ DirectorySearch* openDirectorySearch(const char* path, DirectoryEntry* first) {
         free(search);
         return nullptr;
     }
-    takeEntry(&found, first);
+    if (!copyEntry(&found, first) && !nextDirectoryEntry(search, first)) {
+        closeDirectorySearch(search);
+        return nullptr;
+    }
     return search;
 }
 
 bool nextDirectoryEntry(DirectorySearch* search, DirectoryEntry* entry) {
     WIN32_FIND_DATAA found;
-    if (!FindNextFileA(search->handle, &found)) {
-        return false;
+    while (FindNextFileA(search->handle, &found)) {
+        if (copyEntry(&found, entry)) {
+            return true;
+        }
     }
-    takeEntry(&found, entry);
-    return true;
+    return false;
 }
 
 void closeDirectorySearch(DirectorySearch* search) {
