@@ -7,13 +7,34 @@
 #include "platform/platform.h"
 
 static constexpr size_t LONG_PATH_SIZE = 4096;
+static constexpr size_t CONSOLE_BUFFER_SIZE = 4096;
+
+// Read by the start-up code of the C runtime: arguments with wildcards are not replaced by the names of files.
+extern "C" int _dowildcard;
+int _dowildcard = 0;
+
+// Without COMSPEC the C runtime would look for cmd.exe in the current directory first.
+static void setCommandInterpreter() {
+    const char* value = getenv("COMSPEC");
+    char directory[MAX_PATH + 1];
+    if ((value != nullptr && value[0] != '\0') || GetSystemDirectoryA(directory, sizeof directory) == 0) {
+        return;
+    }
+    char setting[sizeof directory + 32];
+    formatText(setting, sizeof setting, "COMSPEC=%s\\cmd.exe", directory);
+    _putenv(setting);
+}
 
 void startPlatform() {
-    // Nothing of what it guards against reaches a program here.
+    setCommandInterpreter();
+    // An empty drive fails its file at once, instead of opening a window that waits for an answer.
+    SetErrorMode(GetErrorMode() | SEM_FAILCRITICALERRORS);
+    // A console would get each character by a call of its own. Each message is flushed.
+    setvbuf(stdout, nullptr, _IOFBF, CONSOLE_BUFFER_SIZE);
 }
 
 uint32_t systemMajorVersion() {
-    // What the program's manifest names counts: without the manifest this is 6 on every newer system.
+    // The newest version that the program's manifest names, at most. Without the manifest this is 6 on every newer system.
     return GetVersion() & 0xFF;
 }
 
