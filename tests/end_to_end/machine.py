@@ -10,6 +10,7 @@ import shutil
 import struct
 import subprocess
 import tempfile
+import time
 import unittest
 from pathlib import Path
 
@@ -17,7 +18,7 @@ BIN = Path(os.environ["TARNLIFT_BIN"])
 WINDOWS = os.environ.get("TARNLIFT_SYSTEM") == "windows"
 TOP = Path(__file__).resolve().parents[2]
 WINE = [TOP / "tools/wine.sh"] if WINDOWS else []
-WINDOWS_TEMP = r"C:\temp"
+PROBE_KEY = r"SOFTWARE\VelmarFwupdate"
 SOURCE_KEY = r"SYSTEM\CurrentControlSet\Services\Eventlog\Application\Velmar Tarnlift"
 TIME = re.compile(r"^(Sun|Mon|Tue|Wed|Thu|Fri|Sat) (Jan|Feb|Mar|Apr|May|Jun|Jul|Aug|Sep|Oct|Nov|Dec) [ 1-3]\d "
                   r"\d\d:\d\d:\d\d \d{4}$", re.MULTILINE)
@@ -30,12 +31,6 @@ windows_only = unittest.skipUnless(WINDOWS, "tests Windows itself")
 def wine(*command):
     """Runs one of the system's own programs."""
     return subprocess.run([*WINE, *command], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
-
-
-if WINDOWS:
-    wine("cmd", "/c", "exit")
-    (TOP / "build/wine/drive_c/temp").mkdir(exist_ok=True)
-    wine("reg", "add", r"HKCU\Environment", "/v", "TEMP", "/d", WINDOWS_TEMP, "/f")
 
 
 def port(number=1, model="QVa5202", device="E300", fw="14.0.1.1", serial="S1", bus="1", script="", **keys):
@@ -78,21 +73,25 @@ class Machine:
         header = struct.pack(">III", 0, magic, signature << 16) + version.encode() + b" for all ports"
         (self.path / "firmware" / name).write_bytes(header.ljust(size, b"\0")[:size])
 
-    def run(self, *switches, temp=None, env=(), argv0=None, through_path=False, stdout=subprocess.PIPE):
-        """Runs the program in `cwd`. Returns its return code and output, TIME for each time. Documents must be valid."""
+    def run(self, *switches, temp=None, env=(), argv0=None, through_path=False, launch=(),
+            stdout=subprocess.PIPE):
+        """Runs the program in `cwd`. Returns its return code and output, TIME for each time. Documents must be valid.
+
+        `launch` are options of tests/launcher/launch.cpp, for Windows only.
+        """
         environment = {**os.environ, "TARNLIFT_HOST": str(self.path / "host"), "WINEDEBUG": "-all,+eventlog,fixme+advapi",
                        "TEMP": str(temp or self.path / "temp"), **dict(env)}
         program = self.path / "tarnlift.exe"
         command, start = ["tarnlift.exe" if through_path else argv0 or program], {"executable": program}
         if WINDOWS:
-            command, start = [*WINE, *(["cmd", "/c"] * through_path), *command], {}
+            # Wine takes TEMP from the user's settings, so it is set again on the other side.
+            options = ["--set", "TEMP", spelled(environment["TEMP"]), *launch]
+            options += [] if through_path else ["--program", spelled(program)]
+            shell = ["cmd", "/c"] * through_path
+            command, start = [*WINE, BIN / "launch.exe", *options, "--", *shell, *command], {}
             environment["WINEPATH"] = spelled(self.path) if through_path else ""
-            if temp:
-                wine("reg", "add", r"HKCU\Environment", "/v", "TEMP", "/d", spelled(temp), "/f")
         done = subprocess.run([*command, *switches], cwd=self.path / "cwd", env=environment, timeout=120,
                               stdin=subprocess.DEVNULL, stdout=stdout, stderr=subprocess.PIPE, **start)
-        if WINDOWS and temp:
-            wine("reg", "add", r"HKCU\Environment", "/v", "TEMP", "/d", WINDOWS_TEMP, "/f")
         self.stderr = done.stderr.decode("latin-1")
         output = done.stdout or b""
         if output.startswith(b"<?xml") and "/v" not in switches:
@@ -102,10 +101,34 @@ class Machine:
                 raise AssertionError("the document does not follow share/report.xsd:\n" + check.stderr.decode())
         return done.returncode, self.text(output)
 
-    def left_in_temp(self):
-        """The files that the program left in its temp directory. Windows takes TEMP from the user's settings."""
+    def run_without_rights(self, *switches):
+        """The same for a user who cannot create the key that the program probes."""
         if WINDOWS:
-            return list((TOP / "build/wine/drive_c/temp").glob("*"))
+            return self.run(*switches, launch=["--deny-key", PROBE_KEY])
+        in_the_way = self.path / "host/registry"
+        in_the_way.parent.mkdir(exist_ok=True)
+        in_the_way.write_text("no directory")
+        result = self.run(*switches)
+        in_the_way.unlink()
+        return result
+
+    def run_killed(self, *switches, call):
+        """The same, but kills the program at the utility's call number `call`, and waits for the utility to end."""
+        calls = self.path / "calls.txt"
+        calls.unlink(missing_ok=True)
+        if WINDOWS:
+            return self.run(*switches, launch=["--kill-after-lines", str(call), spelled(calls)])
+        environment = {**os.environ, "TARNLIFT_HOST": str(self.path / "host"), "TEMP": str(self.path / "temp")}
+        program = subprocess.Popen([self.path / "tarnlift.exe", *switches], cwd=self.path / "cwd", env=environment,
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        while program.poll() is None and not (calls.exists() and calls.read_text().count("\n") >= call):
+            time.sleep(0.005)
+        program.kill()
+        output, _ = program.communicate()  # ends when the utility does, too, since that holds standard error
+        return program.returncode, self.text(output)
+
+    def left_in_temp(self):
+        """The files that the program left in its temp directory."""
         return list((self.path / "temp").iterdir())
 
     @staticmethod
