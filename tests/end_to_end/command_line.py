@@ -4,7 +4,7 @@ import re
 import tempfile
 import unittest
 
-from machine import PROBE_KEY, WINDOWS, MachineTest, port, spelled, wine
+from machine import PROBE_KEY, WINDOWS, MachineTest, linux_only, port, spelled, wine
 
 UNKNOWN = "\ntarnlift.exe: Error - Unknown switch = {} - Return Code=4\n\n"
 MISSING = "\ntarnlift.exe: Error - Invalid use of the {} switch. This switch requires an argument - Return Code=4\n\n"

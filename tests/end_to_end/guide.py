@@ -17,8 +17,6 @@ PROMPT = r"(?:C:\\(?:Tarnlift|Rollout)> |\$ )"  # a server, the administrator's 
 FILE_STEP = r"^`(?P<file>[\w.\\-]+)`:\n\n```\w+\n(?P<content>(?:(?!```).*\n)*)"
 COMMAND_STEP = rf"^(?P<prompt>{PROMPT})(?P<command>.*)\n(?P<shown>(?:(?!{PROMPT}|```).*\n)*)"
 ELISION = "[...]"
-if WINDOWS:
-    wine("cmd", "/c", "mkdir", r"C:\temp")
 os.environ.update(PATH=".:" + os.environ["PATH"], TARNLIFT_HOST="host", TEMP=r"C:\temp")
 
 
@@ -84,8 +82,7 @@ class Guide(MachineTest):
     def run_command(self, prompt, command):
         command = re.sub("%ERRORLEVEL%", lambda _: str(self.done.returncode), command)
         if WINDOWS:
-            settings = ["set", "COMPUTERNAME=SERVER01&&", "set", "TEMP=C:\\temp&&"]
-            self.done = wine("cmd", "/c", *settings, *command.split())
+            self.done = wine("cmd", "/c", "set", "COMPUTERNAME=SERVER01&&", *command.split())
         else:
             self.done = wine("sh", "-c", command if prompt == "$ " else for_linux(command))
         output = Machine.text(self.done.stdout).strip("\n").replace(spelled(self.place), prompt.rstrip("> "))

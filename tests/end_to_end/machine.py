@@ -18,6 +18,7 @@ BIN = Path(os.environ["TARNLIFT_BIN"])
 WINDOWS = os.environ.get("TARNLIFT_SYSTEM") == "windows"
 TOP = Path(__file__).resolve().parents[2]
 WINE = [TOP / "tools/wine.sh"] if WINDOWS else []
+WINDOWS_TEMP = r"C:\temp"  # TEMP of what is started without Machine.run
 PROBE_KEY = r"SOFTWARE\VelmarFwupdate"
 SOURCE_KEY = r"SYSTEM\CurrentControlSet\Services\Eventlog\Application\Velmar Tarnlift"
 TIME = re.compile(r"^(Sun|Mon|Tue|Wed|Thu|Fri|Sat) (Jan|Feb|Mar|Apr|May|Jun|Jul|Aug|Sep|Oct|Nov|Dec) [ 1-3]\d "
@@ -31,6 +32,12 @@ windows_only = unittest.skipUnless(WINDOWS, "tests Windows itself")
 def wine(*command):
     """Runs one of the system's own programs."""
     return subprocess.run([*WINE, *command], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+
+
+if WINDOWS:
+    wine("cmd", "/c", "exit")
+    (TOP / "build/wine/drive_c/temp").mkdir(exist_ok=True)
+    wine("reg", "add", r"HKCU\Environment", "/v", "TEMP", "/d", WINDOWS_TEMP, "/f")
 
 
 def port(number=1, model="QVa5202", device="E300", fw="14.0.1.1", serial="S1", bus="1", script="", **keys):

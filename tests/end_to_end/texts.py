@@ -8,7 +8,7 @@ import re
 import unittest
 from pathlib import Path
 
-from machine import WINDOWS, WINDOWS_TEMP, MachineTest, port, spelled
+from machine import WINDOWS, MachineTest, port, spelled
 
 TEXTS = Path(__file__).parent / "texts"
 LOG_HEAD = re.compile(r"^\(\d\d:\d\d:\d\d\.\d{3}\) \(\d+\) ", re.MULTILINE)
@@ -32,7 +32,7 @@ class Texts(MachineTest):
             images=[(64, "14.2.1.1", "new.grp"), (66, "14.2.0.5", "low.grp"), (66, "12.8.0.5", "older.grp")])
 
     def compare(self, machine, name, text):
-        temp = WINDOWS_TEMP if WINDOWS else str(machine.path / "temp")
+        temp = spelled(machine.path / "temp") if WINDOWS else str(machine.path / "temp")
         text = text.replace(temp, "TEMP").replace(spelled(machine.path), "DIRECTORY")
         lines = LOG_HEAD.sub("(TIME) (PROCESS) ", text).splitlines(keepends=True)
         file = TEXTS / name
