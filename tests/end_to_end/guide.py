@@ -109,6 +109,13 @@ class Guide(MachineTest):
         lost = [link for link in links if link[1:] not in anchors and not (GUIDE.parent / link).exists()]
         self.assertEqual(lost, [])
 
+    def test_lines_that_it_cannot_run_are_marked(self):
+        without_files = re.sub(FILE_STEP, "", GUIDE.read_text(), flags=re.M)
+        parts = [re.split("^```(?:powershell|bat)\n", chapter, flags=re.M) for chapter in without_files.split("\n## ")]
+        unmarked = [before.split("\n")[0] for before, *blocks in parts
+                    if blocks and not re.search(r"run\s+by\s+the\s+tests", before)]
+        self.assertEqual(unmarked, [])
+
     def test_its_tables_say_what_the_sources_say(self):
         messages = re.sub(r'"\n *"', "", SOURCES.split("DownloadStatusMessages[OUTCOME_COUNT] = {")[1].split("};")[0])
         rows = [f"| {number} | {message} |" for number, message in enumerate(re.findall('"(.*)",', messages))]
