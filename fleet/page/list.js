@@ -54,7 +54,7 @@ function portsRow(server) {
 function reportTime(server) {
   const days = daysBehind(server);
   const time = make("time", { datetime: new Date(server.time * 1000).toISOString() }, timeText(server.time));
-  const mark = make("span", { class: "old" }, `${counted(days, "day")} older`);
+  const mark = make("span", { class: "old waiting" }, `${counted(days, "day")} older`);
   return days ? [time, " ", mark] : [time];
 }
 
@@ -63,10 +63,10 @@ function makeServerRow(server) {
   server.button = button(opener, () => toggle(server), foreign(server.name || "(no name)"));
   const state = [stateWord(server.state)];
   if (server.reboot && server.state !== "waiting") {
-    state.push(" ", make("span", { class: "mark" }, "Reboot needed"));
+    state.push(" ", make("span", { class: "mark waiting" }, "Reboot needed"));
   }
   if (server.preview && !onlyPreviews) {
-    state.push(" ", make("span", { class: "mark" }, "Preview"));
+    state.push(" ", make("span", { class: "mark waiting" }, "Preview"));
   }
   const contents = {
     state,
