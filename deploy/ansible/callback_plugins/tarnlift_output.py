@@ -1,4 +1,4 @@
-"""The output of a roll-out for people: tasks that changed something, failures in one line, and how each server ended."""
+"""The output of a roll-out for people: tasks that changed something, failures in a line, and how each server ended."""
 from ansible import constants as C
 from ansible.playbook.task_include import TaskInclude
 from ansible.plugins.callback.default import CallbackModule as Default

@@ -20,17 +20,12 @@ bin=$(realpath "${1:-$here/../../../build/native/bin}")
 directory=$(realpath -m "${2:-$here/../../../build/rehearsal}")
 . "$here/servers.sh"
 
-play() {
-    ansible-playbook -i "$inventory" "$here/../update-firmware.yml" -e "rehearsal=$directory" \
-        -e "tarnlift_results=$directory" -e "tarnlift_tarnfleet=$bin/tarnfleet" "$@"
-}
-
 # A step: its name, and what else the play is told. Servers may fail, the play must run.
 step() {
     local name=$1 code=0
     shift
     echo "== $name"
-    play "$@" >"$directory/$name.log" 2>&1 || code=$?
+    ansible-playbook "${told[@]}" "$@" >"$directory/$name.log" 2>&1 || code=$?
     awk '/ : ok=/ { print $1, (/ (failed|unreachable)=[1-9]/ ? "failed" : /changed=0/ ? "ok" : "changed") }' \
         "$directory/$name.log" | while read -r server outcome; do
         echo "$server $outcome $(state_of "$server")"
@@ -65,9 +60,7 @@ note_calls() {
 kill_during_download() {
     local server=$1 session
     echo "== killed"
-    setsid ansible-playbook -i "$inventory" "$here/../update-firmware.yml" -e "rehearsal=$directory" --limit "$server" \
-        -e "tarnlift_results=$directory" -e "tarnlift_tarnfleet=$bin/tarnfleet" -e tarnlift_apply=true \
-        >"$directory/killed.log" 2>&1 &
+    setsid ansible-playbook "${told[@]}" "${write[@]}" --limit "$server" >"$directory/killed.log" 2>&1 &
     session=$!
     until grep -q '^download' "$directory/servers/$server/Tarnlift/calls.txt" 2>/dev/null; do
         kill -0 "$session"
@@ -85,27 +78,26 @@ fi
 rm -rf "$directory"
 mkdir -p "$directory/servers"
 set_up_firmware_set
+told=(-i "$here/hosts.yml" "$here/../update-firmware.yml" -e "rehearsal=$directory" -e "tarnlift_results=$directory"
+    -e "tarnlift_tarnfleet=$bin/tarnfleet")
 write=(-e tarnlift_apply=true)
 if [ "$many" -gt 0 ]; then
     set_up_many "$many"
-    inventory=$directory/hosts.yml
+    told[1]=$directory/hosts.yml
     time step preview -e tarnlift_batches=100% >/dev/null
-    time touch "$directory/servers/killed/down"
-step update "${write[@]}" -e '{"tarnlift_batches": [1, "10%", "25%"], "tarnlift_max_fail_percentage": 50}' >/dev/null
-    sed -n '/PLAY RECAP/,$p' "$directory/update.log" | grep -v ' : ok='
-    exit
+    time step update "${write[@]}" -e tarnlift_max_fail_percentage=50 >/dev/null
+else
+    set_up_servers
+    step misspelled -e tarnlift_aply=true --limit canary,current
+    step preview -e tarnlift_batches=100% --limit canary,current,no-adapters,node1,unlisted,killed,cut-off
+    step check "${write[@]}" --check --limit canary,current
+    touch "$directory/servers/killed/down"
+    step update "${write[@]}" -e tarnlift_batches=8 -e tarnlift_max_fail_percentage=100 \
+        -e tarnlift_reboot_throttle=1 --limit 'tarnlift:!killed'
+    step again "${write[@]}" -e tarnlift_batches=100% --limit canary,two-boards,refuses
+    rm "$directory/servers/killed/down"
+    kill_during_download killed
+    step resumed "${write[@]}" --limit killed
+    step stop "${write[@]}" -e tarnlift_batches=2 --limit canary,refuses,auto
 fi
-set_up_servers
-inventory=$here/hosts.yml
-step misspelled -e tarnlift_aply=true --limit canary,current
-step preview -e tarnlift_batches=100% --limit canary,current,no-adapters,node1,unlisted,killed,cut-off
-step check "${write[@]}" --check --limit canary,current
-touch "$directory/servers/killed/down"
-step update "${write[@]}" -e tarnlift_batches=8 -e tarnlift_max_fail_percentage=100 \
-    -e tarnlift_reboot_throttle=1 --limit 'tarnlift:!killed'
-step again "${write[@]}" -e tarnlift_batches=100% --limit canary,two-boards,refuses
-rm "$directory/servers/killed/down"
-kill_during_download killed
-step resumed "${write[@]}" --limit killed
-step stop "${write[@]}" -e tarnlift_batches=2 --limit canary,refuses,auto
-sed -n '/PLAY RECAP/,$p' "$directory/update.log" | grep -v ' : ok='
+sed -n '/PLAY RECAP/,$p' "$directory/update.log" | grep -v -e ' : ok=' -e RECAP

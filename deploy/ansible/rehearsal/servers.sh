@@ -16,14 +16,15 @@ server() {
 
 # A board with two ports: model, PCI device ID, version, and how its downloads end.
 board() {
-    local port
+    local port place
     boards=$((boards + 1))
+    place=$(printf '%02x:%02x' $((boards / 256)) $((boards % 256)))
     for port in 1 2; do
         {
             echo
             sed -n '/^HBA: 1$/,/^$/p' "$sample" | sed -e '/^@download/d' -e '/^$/d' -e "s/QVa5104/$1/" \
                 -e "s/^\(HBA\): .*/\1: $((boards * 2 + port))/" \
-                -e "s/^\(Port WWN\): .*/\1: 10:00:aa:bb:00:$(printf '%02x:%02x' $((boards / 256)) $((boards % 256))):0$port/" \
+                -e "s/^\(Port WWN\): .*/\1: 10:00:aa:bb:00:$place:0$port/" \
                 -e "s/^\(PCI Bus Number\): .*/\1: $((boards % 99))/" \
                 -e "s/^\(PCI Fun Number\): .*/\1: $((port - 1))/" \
                 -e "s/^\(Device ID\): .*/\1: $2/" \
@@ -81,7 +82,7 @@ set_up_servers() {
     board QVa5104 E300 $old
     mkdir "$directory/servers/cut-off/Tarnlift/run"
     echo '<?xml version="1.0" encoding="UTF-8"?><Execution>' >"$directory/servers/cut-off/Tarnlift/run/report.xml"
-    echo '{}' >"$directory/servers/cut-off/acl.json"
+    touch "$directory/servers/cut-off/protected"
     server gone
     touch "$directory/servers/gone/down"
     server killed

@@ -32,7 +32,8 @@ def unknown_variables(names, known):
 def directory_problem(directory):
     unfit = sorted(set(re.findall(r"[\s&|<>^%,;=\"'!()*?/\x00-\x1f\x7f]", directory)))
     if unfit:
-        return f"it has {' '.join('a blank' if sign.isspace() else repr(sign) for sign in unfit)} in it, which TEMP must not have"
+        named = ", ".join("a blank" if sign.isspace() else sign for sign in unfit)
+        return f"TEMP is in it, so it must not have {named} in it"
     if not re.fullmatch(r"[A-Za-z]:(\\[^\\:]+)+", directory):
         return "it must be a full path below the root of a drive, such as C:\\Tarnlift"
     if any(part in (".", "..") for part in directory.split("\\")):

@@ -2,10 +2,12 @@
 
 Returns what the role documents as `tarnlift_result`. It never fails: `outcome` says whether the server failed.
 """
+import re
+
 from ansible.module_utils.parsing.convert_bool import boolean
 from ansible.plugins.action import ActionBase
 
-NOT_RUN = "not previewed: --check copies no files, or the tags of this play leave the preview out"
+NOT_RUN = "not-run"
 FAILED = ("failed", "not-installed", "no-report")
 CHANGED = ("updated", "waiting", "not-verified")
 # States that the table of return codes cannot excuse: the report and the adapters do not agree, or there is no report.
@@ -23,7 +25,7 @@ def outcome_of(state, meaning, strict):
 
 
 def port_lines(ports, failed):
-    """The ports that still need something; in a failed server all that are not fine. Ports with one reason share a line."""
+    """The ports that still need something; in a failed server all that are not fine. Equal reasons share a line."""
     worth = FAILED + ("waiting", "not-verified", "skipped") if failed else ("waiting", "not-verified")
     lines = {}
     for port in ports:
@@ -33,9 +35,16 @@ def port_lines(ports, failed):
     return [f"{', '.join(names)} ({model}): {why}" for (model, why), names in lines.items()]
 
 
-def without_repeats(lines, ports, code):
-    """The reasons of the server that no port repeats, without the return code."""
-    return [line.removeprefix(f"return code {code}: ") for line in lines if not any(port["reason"] and port["reason"] in line for port in ports)]
+def last_line(state, code, text, reasons, ports, failed):
+    """The line, part by part. Reasons that ports or the return code's text repeat are left out."""
+    if state == NOT_RUN:
+        return ["not previewed: --check copies no files, or the tags of this play leave the preview out"]
+    line = [state if code is None else f"{state}, return code {code} ({text})"]
+    for reason in reasons:
+        reason = reason.removeprefix(f"return code {code}: ")
+        if reason != text and not any(port["reason"] and port["reason"] in reason for port in ports):
+            line.append(reason)
+    return line + port_lines(ports, failed)
 
 
 class ActionModule(ActionBase):
@@ -43,23 +52,21 @@ class ActionModule(ActionBase):
         result = super().run(tmp, task_vars)
         given = self._task.args
         found, problem = given["found"], given["problem"]
-        code = int(given["code"]) if str(given["code"] or "").isdigit() else None
-        codes = {int(number): meaning for number, meaning in given["codes"].items()}
-        state = found.get("state", "no-report" if problem else "not-run")
-        meaning = codes.get(code, {"text": "not a documented code"})
+        reasons, ports, reboot = found.get("reasons", []), found.get("ports", []), found.get("reboot", False)
+        code = int(given["code"]) if re.fullmatch(r"-?\d+", str(given["code"])) else None
+        meaning = {int(number): row for number, row in given["codes"].items()}.get(code, {})
         strict = [word for word, wanted in given["strict"].items() if boolean(wanted)]
+        applied = boolean(given["applied"])
+
+        state = found.get("state", "no-report" if problem else NOT_RUN)
         outcome = "failed" if problem else outcome_of(state, meaning, strict)
+        line = last_line(state, code, meaning.get("text", "not a documented code"), reasons, ports, outcome == "failed")
+        line[1:1] = [problem, given["note"]]
+        if outcome == "failed" and reboot:
+            line.append("ports wait for a reboot, which a failed server does not get")
+        if outcome == "ok" and (applied and state in CHANGED or boolean(given["predict"]) and state == "would-update"):
+            outcome = "changed"
 
-        ports, reasons = found.get("ports", []), found.get("reasons", [])
-        line = [NOT_RUN if state == "not-run" else state + (f", return code {code} ({meaning.get('text', '')})" if code is not None else ""), problem, given["note"]]
-        line += [reason for reason in without_repeats(reasons, ports, code) if reason != meaning.get("text")]
-        line += port_lines(ports, outcome == "failed")
-        if outcome == "failed" and found.get("reboot"):
-            line.append("no reboot, since the server failed, but ports wait for one")
-
-        applied, rebooted = boolean(given["applied"]), boolean(given["rebooted"])
-        changes = state in CHANGED and applied or state == "would-update" and boolean(given["predict"])
-        result.update(outcome="changed" if changes and outcome == "ok" else outcome, state=state, reasons=reasons, ports=ports,
-                      reboot=found.get("reboot", False), return_code=code, applied=applied, rebooted=rebooted,
-                      msg="; ".join(filter(None, line)))
+        result.update(outcome=outcome, state=state, reasons=reasons, ports=ports, reboot=reboot, return_code=code,
+                      applied=applied, rebooted=boolean(given["rebooted"]), msg="; ".join(filter(None, line)))
         return result

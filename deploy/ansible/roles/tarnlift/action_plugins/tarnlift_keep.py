@@ -1,8 +1,8 @@
 """Keeps what a server printed in the directory of reports, and asks tarnfleet what it means.
 
 Options: tarnfleet, reports (paths), and of these what is at hand: run and query (documents in Base64), code, rebooted,
-applied (the run was no preview), refused (why there is no report). A query is added to what is kept of the server; everything else replaces it, so without
-options the server is left without a report.
+applied (the run was no preview), refused (why there is no report). A query is added to what is kept of the server.
+Everything else replaces it, so without options the server is left without a report.
 Returns what `tarnfleet check` printed as `found`, and `code` and `applied`.
 """
 import base64

@@ -1,7 +1,9 @@
-"""Stand-ins for the modules that the role uses on Windows. They act on a simulated server, a directory on this machine.
+"""Stand-ins for the modules that the role uses on Windows. They act on a simulated server, which is a directory.
 
-C:\\Tarnlift of the server NAME is servers/NAME/Tarnlift in the directory of the rehearsal. Beside it, acl.json holds who
-has rights there, and modules.txt gets a line for each call: the module and everything that the task passed to it.
+C:\\Tarnlift of the server NAME is servers/NAME/Tarnlift in the directory of the rehearsal. Beside it, modules.txt gets a
+line for each call: the module and everything that the task passed to it. Files beside it are the state of the server:
+`protected` (only administrators and the system have rights), `down` (it does not answer) and `lose-connection` (the next
+wait for an update loses its session).
 """
 import base64
 import filecmp
@@ -37,7 +39,8 @@ class StandIn(ActionBase):
         result = super().run(tmp, task_vars)
         self.given = self._task.args
         self.top = task_vars["tarnlift_directory"]
-        self.server = Path(task_vars["rehearsal"]) / "servers" / (self._task.delegate_to or task_vars["inventory_hostname"])
+        name = self._task.delegate_to or task_vars["inventory_hostname"]
+        self.server = Path(task_vars["rehearsal"]) / "servers" / name
         self.here = self.server / "Tarnlift"
         module = self._task.action.split(".")[-1]
         self.note(module)
@@ -64,18 +67,17 @@ class StandIn(ActionBase):
     def win_powershell(self):
         """Only list-directory.ps1."""
         path = self.native(self.given["parameters"]["Path"])
-        acl = json.loads((self.server / "acl.json").read_text()) if (self.server / "acl.json").exists() else None
         found = [path] + sorted(path.rglob("*")) if path.exists() else []
-        return {"result": [self.listed(item, acl) for item in found if not self.simulated(item)]}
+        return {"result": [self.listed(item) for item in found if not self.simulated(item)]}
 
     def simulated(self, item):
-        return item.relative_to(self.here).parts[:1] and item.relative_to(self.here).parts[0] in SIMULATION
+        return item != self.here and item.relative_to(self.here).parts[0] in SIMULATION
 
-    def listed(self, item, acl):
-        name = str(item.relative_to(self.here)).replace("/", "\\")
-        standard = INHERITED if acl is None else PROTECTED if name == "." else BELOW[item.is_dir()]
-        return {"path": self.top + ("" if name == "." else "\\" + name), "directory": item.is_dir(), "link": item.is_symlink(),
-                "sddl": (acl or {}).get(name, standard)}
+    def listed(self, item):
+        name = "" if item == self.here else "\\" + str(item.relative_to(self.here)).replace("/", "\\")
+        protected = (self.server / "protected").exists()
+        sddl = INHERITED if not protected else BELOW[item.is_dir()] if name else PROTECTED
+        return {"path": self.top + name, "directory": item.is_dir(), "link": item.is_symlink(), "sddl": sddl}
 
     def win_file(self):
         path, wanted = self.native(self.given["path"]), self.given["state"]
@@ -95,7 +97,7 @@ class StandIn(ActionBase):
             pairs = [(Path(self._find_needle("files", source)), target)]
         else:
             pairs = [(item, target / item.relative_to(source)) for item in Path(source).rglob("*") if item.is_file()]
-        differ = [(item, copy) for item, copy in pairs if not copy.exists() or not filecmp.cmp(item, copy, shallow=False)]
+        differ = [pair for pair in pairs if not pair[1].exists() or not filecmp.cmp(*pair, shallow=False)]
         if not self._task.check_mode:
             for item, copy in differ:
                 copy.parent.mkdir(parents=True, exist_ok=True)
@@ -117,15 +119,16 @@ class StandIn(ActionBase):
 
     def icacls(self, arguments):
         if "/grant:r" in arguments:
-            (self.server / "acl.json").write_text("{}")
+            (self.server / "protected").touch()
         return {"changed": True, "rc": 0, "start": "now"}
 
     def run_program(self, command):
         """As a part of the session, with which it ends. A task with async goes on without it."""
-        settings = {"cwd": self.here, "env": {**os.environ, "TEMP": str(self.here / "temp"), "TARNLIFT_HOST": str(self.here / "host")},
-                    "stdin": subprocess.DEVNULL}
+        own = {"TEMP": str(self.here / "temp"), "TARNLIFT_HOST": str(self.here / "host")}
+        settings = {"cwd": self.here, "env": {**os.environ, **own}, "stdin": subprocess.DEVNULL}
         if self._task.async_val:
-            subprocess.Popen(command, **settings, start_new_session=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            subprocess.Popen(command, **settings, start_new_session=True, stdout=subprocess.DEVNULL,
+                             stderr=subprocess.DEVNULL)
             return {"started": 1, "finished": 0, "ansible_job_id": "1", "changed": True}
         ended = subprocess.run(command, **settings, capture_output=True)
         return {"rc": ended.returncode, "stdout": ended.stdout.decode(errors="replace"), "cmd": command, "start": "now",
