@@ -15,7 +15,7 @@ const ONLY_WORDS = { reason: "Reason", model: "Model", before: "Before", after: 
 
 const ONLY_MATCHES = {
   reason: (line, server, reason) =>
-    server.failures.has(reason) && (!server.failures.get(reason).length || server.failures.get(reason).includes(line)),
+    server.failures.get(reason) ? FAILURES.has(line.state) && line.reason === reason : server.failures.has(reason),
   model: (line, _, model) => line.model === model,
   before: (line, server, version) => line !== server && (line.before || UNKNOWN) === version,
   after: (line, _, version) => line.after === version,

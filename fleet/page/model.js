@@ -29,11 +29,11 @@ function joined(...texts) {
     .toLowerCase();
 }
 
-// The failing ports of a server by reason. The reason for a whole server, such as its return code, has no ports.
+// How many ports of a server fail for each reason. That of the whole server, such as its return code, has none.
 function failuresOf(server) {
-  const failures = new Map(FAILURES.has(server.state) ? server.reasons.map(reason => [reason, []]) : []);
+  const failures = new Map(FAILURES.has(server.state) ? server.reasons.map(reason => [reason, 0]) : []);
   for (const port of server.ports.filter(({ state }) => FAILURES.has(state))) {
-    failures.set(port.reason, [...(failures.get(port.reason) ?? []), port]);
+    failures.set(port.reason, (failures.get(port.reason) ?? 0) + 1);
   }
   return failures;
 }
@@ -56,11 +56,15 @@ const onlyPreviews = fleet.preview && fleet.servers.every(server => server.previ
 const portCount = fleet.servers.reduce((sum, server) => sum + server.ports.length, 0);
 const times = fleet.servers.map(server => server.time).filter(time => time !== null);
 const oldest = times.reduce((a, b) => Math.min(a, b), Infinity);
-const newest = times.reduce((a, b) => Math.max(a, b), -Infinity);
+// A file with a time in the future must not make all others look old.
+const newest = Math.min(
+  times.reduce((a, b) => Math.max(a, b), -Infinity),
+  fleet.created,
+);
 
 // Whole days by which a report is older than the newest one; 0 for less than a day.
 function daysBehind(server) {
-  return server.time === null ? 0 : Math.floor((newest - server.time) / DAY);
+  return server.time === null ? 0 : Math.max(0, Math.floor((newest - server.time) / DAY));
 }
 
 // What a search looks in. Made when it is first needed.

@@ -47,7 +47,7 @@ function drawReasons() {
     for (const [reason, ports] of server.failures) {
       const counts = reasons.get(reason) ?? reasons.set(reason, { servers: 0, ports: 0 }).get(reason);
       counts.servers += 1;
-      counts.ports += ports.length;
+      counts.ports += ports;
     }
   }
   const rows = [...reasons]

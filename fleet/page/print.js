@@ -11,7 +11,8 @@ function paperRow(name, line) {
 
 function paperRows(server) {
   const lines = server.found.filter(line => ATTENTION.has(line.state));
-  return (lines.length ? lines : [server]).map((line, place) => paperRow(place ? "" : server.name, line));
+  const explained = lines.some(line => line.state === server.state);
+  return (explained ? lines : [server, ...lines]).map((line, place) => paperRow(place ? "" : server.name, line));
 }
 
 function filterText() {
@@ -56,4 +57,3 @@ function makePaper() {
 }
 
 addEventListener("beforeprint", makePaper);
-addEventListener("afterprint", () => find("paper").replaceChildren());

@@ -5,6 +5,7 @@ import os
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 from pathlib import Path
 
@@ -18,7 +19,7 @@ from selenium.webdriver.common.keys import Keys
 os.environ["TZ"] = "UTC"  # the browser shows local times
 TARNFLEET = Path(os.environ["TARNLIFT_BIN"]) / "tarnfleet"
 NEW, OLD = "14.4.1.1", "14.2.1.1"
-MONDAY = 1_795_400_000  # seconds since 1970
+MONDAY = 1_705_285_980  # seconds since 1970
 DAY = 24 * 60 * 60
 
 
@@ -87,15 +88,15 @@ class Page(unittest.TestCase):
     def test_shows_servers_worst_first_and_sums_them_up(self):
         self.show_fleet()
         self.assertEqual(self.browser.texts("#servers .server"), [
-            "db10 Failed Download failed. 2 QVa5202, QVb6101 3 2026-11-23 02:13",
-            "db9 Not installed the query afterwards shows 14.2.1.1, not 14.4.1.1 1 QVa5202 0 2026-11-23 02:13",
+            "db10 Failed Download failed. 2 QVa5202, QVb6101 3 2024-01-15 02:33",
+            "db9 Not installed the query afterwards shows 14.2.1.1, not 14.4.1.1 1 QVa5202 0 2024-01-15 02:33",
             "lost No report no report has come 0",
-            "web1 Waiting waits for a reboot 1 QVa5202 0 2026-11-23 02:13",
-            "web2 Not verified no query was made afterwards 1 QVa5202 0 2026-11-23 02:13",
-            "web3 Updated 1 QVa5202 0 2026-11-20 02:13 3 days older",
+            "web1 Waiting waits for a reboot 1 QVa5202 0 2024-01-15 02:33",
+            "web2 Not verified no query was made afterwards 1 QVa5202 0 2024-01-15 02:33",
+            "web3 Updated 1 QVa5202 0 2024-01-12 02:33 3 days older",
             "web4 Skipped return code 7: no usable image for any port; Adapter skipped. No fwmatrix.txt model entry. "
-            "1 QVa5202 7 2026-11-23 02:13",
-            "web5 Current 1 QVa5202 1 2026-11-23 02:13"])
+            "1 QVa5202 7 2024-01-15 02:33",
+            "web5 Current 1 QVa5202 1 2024-01-15 02:33"])
         self.assertEqual(self.browser.texts("#states li"), [
             "Failed 1 server Failed 1 port", "Not installed 1 server Not installed 1 port", "No report 1 server",
             "Waiting 1 server Waiting 1 port", "Not verified 1 server Not verified 1 port",
@@ -292,6 +293,13 @@ class Page(unittest.TestCase):
         self.show()
         self.assertEqual(self.browser.texts("#preview strong"), ["Preview on 1 of 2 servers: nothing was written there."])
         self.assertEqual(self.browser.texts(".server .state"), ["Not verified", "Would update Preview"])
+
+    def test_a_report_from_the_future_makes_no_other_look_old(self):
+        now = int(time.time())
+        for name, age in [("new", 0), ("skewed", -400 * DAY), ("old", 2 * DAY)]:
+            write_server(self.directory, name, execution(port(1)), code=0, time=now - age)
+        self.show()
+        self.assertEqual([text[16:].strip() for text in self.browser.texts(".server .time")], ["", "2 days older", ""])
 
     def test_all_of_many_servers_come_into_the_list(self):
         write_server(self.directory, "server0", execution(port(1)), code=0)
