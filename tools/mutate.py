@@ -4,8 +4,10 @@
 Usage: tools/mutate.py [FILE ...]        files of src/; without one, all that decide
 
 Works on a copy in build/mutate, so the tree stays as it is. Each mutant is built and run against the unit tests and, when
-those notice nothing, against the end-to-end tests. Ends with exit status 1 when a mutant survives that is not in
-tools/mutants-that-change-nothing.txt.
+those notice nothing, against the machine that fails and the end-to-end tests. Ends with exit status 1 when a mutant survives
+that tools/mutants-that-change-nothing.txt does not name, or when that file names one that does not exist. A line there names
+the file, the function and the flip:
+    selection/fw_matrix.cpp: startScan: return false;  ->  return true;
 """
 import os
 import re
@@ -21,7 +23,7 @@ FILES = ["images/version_rules.cpp", "selection/fw_matrix.cpp", "selection/matri
          "selection/auto_selection.cpp", "download/download_driver.cpp", "download/download_reply.cpp", "report/summaries.cpp"]
 SUITES = ["downloads", "reports", "hostile"]
 
-# What is looked for, and what is put in its place. Strings and comments are left alone.
+# A pattern and its replacement. Strings and comments are left alone.
 FLIPS = [(r"(?<=\s)==(?=\s)", "!="), (r"(?<=\s)!=(?=\s)", "=="), (r"(?<=\s)<(?=\s)", "<="), (r"(?<=\s)>(?=\s)", ">="),
          (r"(?<=\s)<=(?=\s)", "<"), (r"(?<=\s)>=(?=\s)", ">"), (r"(?<=\s)&&(?=\s)", "||"), (r"(?<=\s)\|\|(?=\s)", "&&"),
          (r"(?<=[(\s])!(?=[a-zA-Z(])", ""), (r"\bif \((?=\w+(\.\w+|\(.*\))\) \{)", "if (!"),
@@ -29,19 +31,24 @@ FLIPS = [(r"(?<=\s)==(?=\s)", "!="), (r"(?<=\s)!=(?=\s)", "=="), (r"(?<=\s)<(?=\
 
 
 def code_only(line):
-    """The line with blanks in the place of texts and comments."""
+    """The line with blanks instead of strings and comments."""
     return re.sub(r'"(\\.|[^"\\])*"|//.*$', lambda found: " " * len(found[0]), line)
 
 
 def mutants(name):
+    """Yields line number, label and the whole mutated source."""
     lines = (COPY / "src" / name).read_text().splitlines(keepends=True)
+    function = "file"
     for number, line in enumerate(lines):
         if line.startswith("#"):
             continue
+        if re.match(r"\w.*[({,]$", line.rstrip()) and (named := re.search(r"(\w+)(?=\(|\[|\{| = \{)", line)):
+            function = named[1]
         for pattern, flip in FLIPS:
             for found in re.finditer(pattern, code_only(line)):
                 mutant = line[:found.start()] + flip + line[found.end():]
-                yield number, line.strip(), mutant.strip(), "".join(lines[:number] + [mutant] + lines[number + 1:])
+                label = f"{name}: {function}: {line.strip()}  ->  {mutant.strip()}"
+                yield number + 1, label, "".join(lines[:number] + [mutant] + lines[number + 1:])
 
 
 def run(*command, **keys):
@@ -50,11 +57,13 @@ def run(*command, **keys):
 
 def killed_by():
     """What notices the mutant, None when nothing does. A mutant may loop for ever."""
-    if run("cmake", "--build", BUILD, "--target", "unit_tests", "tarnlift") != 0:
+    if run("cmake", "--build", BUILD, "--target", "unit_tests", "tarnlift", "failing_machine") != 0:
         return "compiler"
     try:
         if run(BUILD / "bin/unit_tests", timeout=60) != 0:
             return "unit tests"
+        if run(BUILD / "bin/failing_machine", timeout=60) != 0:
+            return "failing machine"
         environment = {**os.environ, "TARNLIFT_BIN": str(BUILD / "bin")}
         for suite in SUITES:
             if run(sys.executable, "-B", COPY / "tests/end_to_end" / (suite + ".py"), "-f", timeout=120, env=environment):
@@ -69,29 +78,32 @@ def main():
     for role in "test", "mutate":
         subprocess.run([TOP / "tools/setup.sh", role], check=True)
     COPY.mkdir(parents=True, exist_ok=True)
-    # By content, and without the files' times: what the last run left mutated has to be built anew.
+    # By content, and without the files' times: what the last run left mutated must be built again.
     subprocess.run(f"git ls-files -z | rsync -rlp --checksum --from0 --files-from=- ./ {COPY}/", shell=True, cwd=TOP, check=True)
     subprocess.run(["cmake", "-S", COPY, "-B", BUILD, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug"], check=True,
                    stdout=subprocess.DEVNULL)
     subprocess.run(["cmake", "--build", BUILD], check=True, stdout=subprocess.DEVNULL)
-    known = set(KNOWN.read_text().splitlines()) if KNOWN.exists() else set()
-    total, survivors = 0, []
+    known = {line for line in KNOWN.read_text().splitlines() if line and not line.startswith("#")}
+    total, survivors, labels = 0, [], set()
     for name in files:
         path = COPY / "src" / name
         original = path.read_text()
-        for number, before, after, text in list(mutants(name)):
+        for number, label, text in list(mutants(name)):
             path.write_text(text)
             total += 1
+            labels.add(label)
             if killed_by() is None:
-                label = f"{name}: {before}  ->  {after}"
-                survivors.append((label in known, label))
-                print(f"survived{' (known)' * (label in known)}: {name}:{number + 1}: {before}  ->  {after}", flush=True)
+                survivors.append(label)
+                print(f"survived{' (known)' * (label in known)}: line {number}: {label}", flush=True)
         path.write_text(original)
         print(f"{name}: done, {total} mutants so far, {len(survivors)} survived", flush=True)
-    unknown = [label for is_known, label in survivors if not is_known]
+    unknown = [label for label in survivors if label not in known]
+    stale = [label for label in known if label.split(":")[0] in files and label not in labels]
+    for label in stale:
+        print(f"no such mutant: {label}")
     print(f"{total} mutants, {total - len(survivors)} noticed, {len(survivors) - len(unknown)} change nothing, "
           f"{len(unknown)} survived")
-    sys.exit(1 if unknown else 0)
+    sys.exit(1 if unknown or stale else 0)
 
 
 main()
