@@ -29,7 +29,8 @@ class Texts(MachineTest):
         return self.machine(
             *ports[first - 1:last],
             matrix="QVa5202 new.grp\nQVa7102 low.grp\nQVx9999 new.grp\nQVa6100\n",
-            images=[(64, "14.2.1.1", "new.grp"), (66, "14.2.0.5", "low.grp"), (66, "12.8.0.5", "older.grp")])
+            images=[(64, "14.2.1.1", "new.grp"), (66, "14.2.0.5", "low.grp"), (66, "12.8.0.5", "older.grp"),
+                    (66, "12.6.0.5", "oldest.grp")])
 
     def compare(self, machine, name, text):
         temp = spelled(machine.path / "temp") if WINDOWS else str(machine.path / "temp")

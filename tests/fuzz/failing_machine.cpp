@@ -72,21 +72,23 @@ static const Consequence& consequenceOf(const std::string& operation) {
     return *row;
 }
 
+static std::string describe(const PortEnd& end, size_t index) {
+    return "port " + std::to_string(index + 1) + " ends with outcome " + std::to_string(end.outcome) +
+           (end.download.empty() ? " without a download" : " after " + end.download);
+}
+
 // Every port ends as in the untouched run, but for those that share a board with the port at work.
 static void judgeOtherBoards(const std::vector<PortEnd>& untouched) {
     std::string boardAtWork;
     if (machine.portAtFirstFailure != 0) {
         boardAtWork = untouched[machine.portAtFirstFailure - 1].board;
     }
-    judge("no port is lost", std::ssize(portEnds), std::ssize(untouched));
+    judge(portEnds.size() == untouched.size(), "no port is lost", std::to_string(portEnds.size()) + " ports",
+          std::to_string(untouched.size()));
     for (size_t i = 0; i < untouched.size(); i++) {
-        const std::string port = "port " + std::to_string(i + 1);
-        if (untouched[i].board != boardAtWork) {
-            judge("the outcome of " + port + ", which is on another board, stays", portEnds[i].outcome,
-                  untouched[i].outcome);
-            judge("the download of " + port + ", which is on another board, stays", portEnds[i].download,
-                  untouched[i].download);
-        }
+        judge(untouched[i].board == boardAtWork || portEnds[i] == untouched[i],
+              "a failure changes nothing for the ports of other boards", describe(portEnds[i], i),
+              describe(untouched[i], i));
     }
 }
 
@@ -95,10 +97,9 @@ static void judgeOneFailure(const std::string& switches, const std::vector<PortE
     const bool goesOn = consequence.effect == CHANGES_ONE_BOARD ||
                         (consequence.effect == CHANGES_THE_LIST && machine.portAtFirstFailure != 0);
     const std::string said = machine.files[CONSOLE] + machine.files["run.log"] + machine.files["dbg.log"];
-    const bool traced = switches.find("/xv") != std::string::npos;
-    if ((consequence.effect == ENDS_THE_RUN || traced) && said.find(consequence.message) == std::string::npos) {
-        judge("a failed operation has its message", "", consequence.message);
-    }
+    const bool reported = consequence.effect == ENDS_THE_RUN || switches.find("/xv") != std::string::npos;
+    judge(!reported || said.find(consequence.message) != std::string::npos, "a failed operation has its message",
+          "no such text in console, log and trace", consequence.message);
     if (goesOn) {
         judgeOtherBoards(untouched);
     }

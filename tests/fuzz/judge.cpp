@@ -22,34 +22,37 @@
 std::vector<PortEnd> portEnds;
 
 static std::string switchesOfRun;
-static std::map<std::string, bool> downloadedBoards;  // whether the reply to the board's download was good
+static std::map<std::string, std::string> boardReplies;  // the utility's reply to the download of a board
 
 static const std::set<int> successes = {OUTCOME_SUCCEEDED, OUTCOME_REBOOT_REQUIRED, OUTCOME_DOWNLOAD_TWICE,
                                         OUTCOME_ACTIVATED};
 static const std::set<int> notDue = {OUTCOME_NOT_NEEDED, OUTCOME_UNKNOWN_FIRMWARE_VERSION,
                                      OUTCOME_NO_COMPATIBLE_FIRMWARE, OUTCOME_NO_MATRIX_MODEL};
 
-void judge(const std::string& rule, const std::string& got, const std::string& wanted) {
-    if (got == wanted) {
+void judge(bool holds, const std::string& rule, const std::string& got, const std::string& wanted) {
+    if (holds) {
         return;
     }
-    const std::string port = machine.portAtWork == 0 ? "none at work" : std::to_string(machine.portAtWork);
     const std::string failed = machine.firstFailure.empty() ? "nothing"
                                : machine.failOnwards        ? machine.firstFailure + " and all after it"
                                                             : machine.firstFailure;
+    const std::string port =
+        machine.portAtWork == 0 ? "none at work" : "number " + std::to_string(machine.portAtWork) + " of the listing";
     dprintf(STDERR_FILENO, "\nBroken rule: %s\n  got:      %s\n  wanted:   %s\n", rule.c_str(), got.c_str(),
             wanted.c_str());
-    dprintf(STDERR_FILENO, "  switches: %s\n  port:     %s\n  failed:   %s (operation %zu)\n", switchesOfRun.c_str(),
+    dprintf(STDERR_FILENO, "  switches: %s\n  port:     %s\n  failing:  %s (operation %zu)\n", switchesOfRun.c_str(),
             port.c_str(), failed.c_str(), machine.failAt);
     abort();
 }
 
-void judge(const std::string& rule, long got, long wanted) {
-    judge(rule, std::to_string(got), std::to_string(wanted));
+static void judgeEqual(const std::string& rule, long got, long wanted) {
+    judge(got == wanted, rule, std::to_string(got), std::to_string(wanted));
 }
 
-static void judgeTruth(const std::string& rule, bool holds) {
-    judge(rule, holds ? "yes" : "no", "yes");
+static std::string shown(int outcome) {
+    const bool known = outcome >= 0 && outcome < static_cast<int>(OUTCOME_COUNT);
+    const char* message = known ? DownloadStatusMessages[outcome] : nullptr;
+    return "outcome " + std::to_string(outcome) + ", " + (message == nullptr ? "without a message" : message);
 }
 
 static std::string boardOf(const HbaRecord* hba) {
@@ -58,30 +61,35 @@ static std::string boardOf(const HbaRecord* hba) {
 }
 
 static void judgeDownload(const HbaRecord* hba, const PortEnd& end, size_t count) {
-    const bool downloads = !runOptions.preview && !isQueryOnly() && !downloadedBoards.contains(end.board);
-    judgeTruth("a board gets at most one download in a run, in a preview or query none", count <= (downloads ? 1 : 0));
+    const bool writes = !runOptions.preview && !isQueryOnly();
+    const size_t allowed = writes && !boardReplies.contains(end.board) ? 1 : 0;
+    judge(count <= allowed, "a board gets at most one download in a run, and none in a preview or query",
+          std::to_string(count) + " downloads for this port", "at most " + std::to_string(allowed));
     if (count > 0) {
         const std::string port = " download n=" + std::to_string(static_cast<int>(hba->adapterNumber)) + " i=\"";
-        judgeTruth("the utility's command line names the port at work: " + end.download,
-                   end.download.find(port) != std::string::npos);
-        downloadedBoards[end.board] = machine.downloads.back().reply.find("NO Error") != std::string::npos;
+        judge(end.download.find(port) != std::string::npos, "the download is for the port at work", end.download, port);
+        boardReplies[end.board] = machine.downloads.back().reply;
     }
 }
 
 static void judgeOutcome(const PortEnd& end) {
-    const std::string outcome = " (outcome " + std::to_string(end.outcome) + ")";
+    static const std::string goodReply = "NO Error";
+    const std::string got = shown(end.outcome) + (end.attempted ? "; a download was due" : "; no download was due");
     const bool previewed = end.outcome == OUTCOME_PREVIEW_SUCCEEDED;
-    const bool good = downloadedBoards.contains(end.board) && downloadedBoards[end.board];
-    if (successes.contains(end.outcome)) {
-        judgeTruth("a success is reported only after a download with a good reply" + outcome, good && end.attempted);
-    } else if (!end.download.empty()) {
-        const bool replyLost = machine.failedPaths.contains(machine.tempFile);
-        judgeTruth("a download with a good reply is reported as a success" + outcome, !good || replyLost);
-        judgeTruth("a download without a good reply is a failure" + outcome,
-                   !notDue.contains(end.outcome) && !previewed);
-    }
-    judgeTruth("only a preview ends as previewed" + outcome, !previewed || (runOptions.preview && end.attempted));
-    judgeTruth("a port that is not due has no download" + outcome, !notDue.contains(end.outcome) || !end.attempted);
+    const bool succeeded = successes.contains(end.outcome);
+    const bool skipped = notDue.contains(end.outcome);
+    const std::string reply = boardReplies.contains(end.board) ? boardReplies[end.board] : "(none)";
+    const bool good = reply.find(goodReply) != std::string::npos;
+    const bool replyLost = machine.failedPaths.contains(machine.tempFile);
+    judge(!succeeded || (good && end.attempted), "a success is reported only after a download with a good reply",
+          got + "; the utility's reply: " + reply, "a reply with " + goodReply + ", or a failure");
+    judge(end.download.empty() || succeeded || !good || replyLost, "a download with a good reply is a success",
+          got + "; the utility's reply: " + reply, "a success");
+    judge(end.download.empty() || !(skipped || previewed), "a port with a download ends as a success or a failure", got,
+          "a success or a failure");
+    judge(!previewed || (runOptions.preview && end.attempted), "only a preview ends as previewed", got,
+          "another outcome");
+    judge(!skipped || !end.attempted, "a port that is skipped had no download", got, "no download was due");
 }
 
 static void watchPort(HbaRecord* hba) {
@@ -131,33 +139,38 @@ static void judgeCode(int code, int listed) {
         RETURN_SUCCEEDED,     RETURN_ALL_FAILED, RETURN_COMMAND_LINE,  RETURN_NO_ADAPTERS, RETURN_NO_FIRMWARE_DIRECTORY,
         RETURN_NO_PRIVILEGES, RETURN_OLD_SYSTEM, RETURN_IMAGE_VERSION,
     };
-    const std::string name = " (code " + std::to_string(code) + ")";
     if (!portEnds.empty()) {
-        judge("the return code follows from how the ports ended", code, expectedCode());
-    } else {
-        judgeTruth("a run that works on no port ends with the code of such a run" + name,
-                   endsWithoutPorts.contains(code));
-        judgeTruth("a run that works on no port succeeds only by showing something",
-                   code != RETURN_SUCCEEDED || runOptions.help || runOptions.imageVersion || listed > 0);
+        judgeEqual("the return code follows from how the ports ended", code, expectedCode());
+        return;
     }
+    const bool showed = runOptions.help || runOptions.imageVersion;
+    judge(endsWithoutPorts.contains(code), "a run that works on no port ends with the code of such a run",
+          std::to_string(code), "0, 2, 4, 5, 6, 8, 9 or 19");
+    judge(code != RETURN_SUCCEEDED || showed || listed > 0,
+          "a run that works on no port succeeds only by showing something", "code 0",
+          "the help, a version, or an error");
 }
 
 static void judgeText(const std::string& file, const std::string& text, int code) {
-    static const std::string told = " Return Code=";
-    const size_t position = text.rfind(told);
+    static const std::string label = " Return Code=";
+    const size_t position = text.rfind(label);
     if (position != std::string::npos) {
-        judge("the code in " + file + " is the return code", code, atoi(&text[position + told.size()]));
+        judgeEqual("the code in " + file + " is the return code", atoi(&text[position + label.size()]), code);
     }
-    judgeTruth("the XML document is in " + file, text.empty() || portEnds.empty() || !runOptions.xml);
+    judge(text.empty() || portEnds.empty() || !runOptions.xml,
+          "under /xml a run with ports writes a document to " + file, text.substr(0, 100), "a document");
 }
 
 static void judgeDocument(const std::string& file, const std::string& document, int code) {
-    judgeTruth("the XML document in " + file + " has the return code " + std::to_string(code),
-               document.find("<Message id=\"" + std::to_string(code) + "\">") != std::string::npos);
+    const std::string message = "<Message id=\"" + std::to_string(code) + "\">";
+    judge(document.find(message) != std::string::npos, "the document in " + file + " has the return code",
+          document.substr(std::min(document.size(), document.find("<Message"))), message);
     XML_Parser parser = XML_ParserCreate(nullptr);
     const bool parsed = XML_Parse(parser, document.data(), static_cast<int>(document.size()), 1) == XML_STATUS_OK;
-    const char* error = parsed ? "no error" : XML_ErrorString(XML_GetErrorCode(parser));
-    judge("the XML document in " + file + " is well formed", error, "no error");
+    judge(parsed, "the document in " + file + " is well formed",
+          std::string(parsed ? "" : XML_ErrorString(XML_GetErrorCode(parser))) + ", line " +
+              std::to_string(XML_GetCurrentLineNumber(parser)),
+          "a document without errors");
     XML_ParserFree(parser);
 }
 
@@ -186,7 +199,7 @@ static std::vector<std::string> argumentsOf(const std::string& switches) {
 int judgedRun(const std::string& switches) {
     switchesOfRun = switches;
     portEnds.clear();
-    downloadedBoards.clear();
+    boardReplies.clear();
     std::vector<std::string> arguments = argumentsOf(switches);
     std::vector<char*> argv(arguments.size() + 1);
     std::transform(arguments.begin(), arguments.end(), argv.begin(), [](std::string& text) { return text.data(); });
@@ -211,12 +224,12 @@ int judgedRun(const std::string& switches) {
         judgeOutput(CONSOLE, code);
     }
     judgeOutput("run.log", code);
-    judge("all that was printed is on the console when the utility is started", static_cast<long>(machine.hiddenBytes),
-          0);
-    judge("every file is closed", std::ssize(machine.openFiles), 0);
-    judgeTruth("the port list is freed", gHbaList == nullptr);
-    judge("the ports are listed once", machine.listings, portEnds.empty() ? machine.listings : 1);
-    judgeTruth("the temp file is removed",
-               machine.failedPaths.contains(machine.tempFile) || !machine.files.contains(machine.tempFile));
+    judgeEqual("all that was printed is on the console when the utility is started",
+               static_cast<long>(machine.hiddenBytes), 0);
+    judgeEqual("the files that are left open", std::ssize(machine.openFiles), 0);
+    judge(gHbaList == nullptr, "the port list is freed", "a list", "none");
+    judgeEqual("the listings of a run with ports", machine.listings, portEnds.empty() ? machine.listings : 1);
+    judge(machine.failedPaths.contains(machine.tempFile) || !machine.files.contains(machine.tempFile),
+          "the temp file is removed", machine.tempFile, "no such file");
     return code;
 }

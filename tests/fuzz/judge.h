@@ -21,6 +21,5 @@ extern std::vector<PortEnd> portEnds;
 // rule, it prints the rule, the switches, the port, both values and the operation that failed, and aborts.
 int judgedRun(const std::string& switches);
 
-// Prints and aborts in the same way unless `got` is `wanted`.
-void judge(const std::string& rule, const std::string& got, const std::string& wanted);
-void judge(const std::string& rule, long got, long wanted);
+// Prints and aborts in the same way unless the rule holds.
+void judge(bool holds, const std::string& rule, const std::string& got, const std::string& wanted);

@@ -41,15 +41,15 @@ TEST_F(Download, ALaterPortOfABoardInheritsTheResult) {
         // clang-format on
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << "board result " << c.board << ", earlier port's outcome " << int{c.earlier}
-                                        << (c.preview ? ", preview" : ""));
+        SCOPED_TRACE(testing::Message() << "board result " << c.board << ", outcome of the earlier port "
+                                        << shown(c.earlier) << (c.preview ? ", preview" : ""));
         runCounters = {};
         runOptions.preview = c.preview;
         HbaRecord* hba = addPort(0xE300, "1.0.0.0");
         hba->downloadStat = c.board;
         hba->fwDownloadStatus = c.earlier;
         EXPECT_EQ(executeFwDownload(hba, &image), c.result == GOOD ? 0 : 1);
-        EXPECT_EQ(hba->fwDownloadStatus, c.outcome);
+        EXPECT_EQ(shown(hba->fwDownloadStatus), shown(c.outcome));
         EXPECT_TRUE(std::string(hba->downloadRow).ends_with(c.rowEnd)) << hba->downloadRow;
         EXPECT_EQ(runCounters.downloadAttemptCount, 1);
         EXPECT_EQ(runCounters.boardDownloadCount, 0);
@@ -83,7 +83,7 @@ TEST_F(Download, AnImageThatDisappearedFailsItsPortAlone) {
         HbaRecord* other = addPort(GRP_DEVICE, "1.0.0.0");
         out();
         EXPECT_EQ(executeFwDownload(hba, &image), 1);
-        EXPECT_EQ(hba->fwDownloadStatus, OUTCOME_IMAGE_NOT_OPENED);
+        EXPECT_EQ(shown(hba->fwDownloadStatus), shown(OUTCOME_IMAGE_NOT_OPENED));
         EXPECT_EQ(hba->downloadStat, c.board);
         EXPECT_EQ(other->downloadStat, BOARD_NOT_DOWNLOADED);
         EXPECT_EQ(runCounters.downloadFailCount, 1);
@@ -104,7 +104,7 @@ TEST_F(Download, ABoardIsKnownBySerialNumberBusAndDomain) {
     first->fwDownloadStatus = OUTCOME_ACTIVATED;
     first->downloadStat = BOARD_ACTIVATED;
     updateCNAdownloadStatus(first);
-    EXPECT_EQ(samePort->fwDownloadStatus, OUTCOME_ACTIVATED);
+    EXPECT_EQ(shown(samePort->fwDownloadStatus), shown(OUTCOME_ACTIVATED));
     EXPECT_EQ(samePort->downloadStat, BOARD_ACTIVATED);
     EXPECT_EQ(otherBus->downloadStat, BOARD_NOT_DOWNLOADED);
     EXPECT_EQ(otherDomain->downloadStat, BOARD_NOT_DOWNLOADED);

@@ -11,6 +11,7 @@
 #include "records/adapter_families.h"
 #include "records/clu_image.h"
 #include "records/hba_list.h"
+#include "records/port_outcome.h"
 #include "run/cleanup.h"
 #include "settings/run_options.h"
 #include "settings/working_paths.h"
@@ -73,6 +74,11 @@ HbaRecord* RunTest::addPort(uint32_t deviceId, const char* fwVersion, const char
     encodeAndUpdateFCVersion(hba);
     traces();
     return hba;
+}
+
+std::string shown(uint8_t outcome) {
+    const char* message = outcome < OUTCOME_COUNT ? DownloadStatusMessages[outcome] : nullptr;
+    return std::to_string(outcome) + " " + (message == nullptr ? "(no message)" : message);
 }
 
 std::string grpHeader(uint32_t magicNumber, uint32_t signature, const std::string& buildString) {

@@ -1,5 +1,5 @@
-// A run's state for a test: all globals at their start, a directory of its own as the current one, and the output routes
-// on files that can be read back.
+// The state of a run, for a test: all globals are reset, the current directory is the test's own, and console and trace go
+// to files that can be read back.
 #pragma once
 
 #include <initializer_list>
@@ -10,14 +10,14 @@
 
 #include "records/hba_record.h"
 
-// The rows of a table, to be walked with a name for each column.
+// The rows of a table whose columns are named in the loop over it.
 template <class... Columns> using Rows = std::initializer_list<std::tuple<Columns...>>;
 
 struct RunTest : testing::Test {
     RunTest();
     ~RunTest() override;
 
-    // What printOut and printDbg have written since the last call.
+    // The text of printOut or printDbg since the last call.
     std::string out();
     std::string traces();
 
@@ -31,6 +31,9 @@ struct RunTest : testing::Test {
     long outTaken = 0;
     long tracesTaken = 0;
 };
+
+// An outcome with its message, for failures that can be read.
+std::string shown(uint8_t outcome);
 
 // The 140 bytes of a .grp header.
 std::string grpHeader(uint32_t magicNumber, uint32_t signature, const std::string& buildString);

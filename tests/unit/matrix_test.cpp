@@ -50,7 +50,7 @@ TEST_F(Matrix, TheLastLineForTheModelDecides) {
         // clang-format on
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.text + " for " + c.model);
+        SCOPED_TRACE("model " + c.model + " in the table:\n" + c.text);
         open(c.text);
         HbaRecord hba = {};
         hba.deviceId = c.deviceId;

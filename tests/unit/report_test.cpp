@@ -15,7 +15,7 @@ struct Report : RunTest {
              {console + " - Return Code=" + std::to_string(code) + "\n\n",
               "    <Message id=\"" + std::to_string(code) + "\"> " + xml + ". </Message>\n"}) {
             runOptions.xml = shown[0] == ' ';
-            EXPECT_EQ(report(), code);
+            EXPECT_EQ(report(), code) << "the return code";
             EXPECT_EQ(out(), shown);
         }
     }
@@ -33,6 +33,8 @@ TEST_F(Report, CountersBecomeOneSentenceAndCode) {
              {1, 1, 0, 0, 1, "\n\n@No rewrites required", "No rewrites required"},
              {1, 1, 1, 2, 0, "\n@Unknown status - rewrites", "Unknown status"},
          }) {
+        SCOPED_TRACE(testing::Message() << known << " known ports, " << compatible << " compatible images, " << attempts
+                                        << " attempts, " << failures << " failures");
         runCounters = {.knownHbaCount = known,
                        .compatibleImageCount = compatible,
                        .downloadAttemptCount = attempts,
@@ -55,6 +57,7 @@ TEST_F(Report, QueriesHaveTheirOwnSentence) {
              {0, 0, 0, "Unknown status - query", "Unknown status"},
              {1, 2, 0, "Unknown status - queries", "Unknown status"},
          }) {
+        SCOPED_TRACE(testing::Message() << queries << " queries, " << failures << " failures");
         runCounters = {.queryCount = queries, .queryFailCount = failures};
         expectStatus(reportQueryStatus, code, "\n\n@" + console, xml);
     }
@@ -77,7 +80,9 @@ TEST_F(Report, ARebootIsAdvisedForBoardsThatWaitForIt) {
         runCounters = {.boardDownloadCount = downloads, .boardFailCount = failures, .boardNoRebootCount = noReboot};
         runOptions.preview = preview;
         reportRebootRequired();
-        EXPECT_EQ(out() == "Please reboot system to activate new firmware.\n", advised) << downloads << failures;
+        EXPECT_EQ(out() == "Please reboot system to activate new firmware.\n", advised)
+            << downloads << " boards, " << failures << " failed, " << noReboot << " without a reboot, preview "
+            << preview;
     }
 }
 
