@@ -11,7 +11,8 @@ const view = {
   open: new Set(), // names of servers
 };
 
-const ONLY_WORDS = { reason: "Reason", model: "Model", before: "Before", after: onlyPreviews ? "Planned" : "Now" };
+const AFTER = onlyPreviews ? "Planned" : fleet.preview ? "Now or planned" : "Now";
+const ONLY_WORDS = { reason: "Reason", model: "Model", before: "Before", after: AFTER };
 
 const ONLY_MATCHES = {
   reason: (line, server, reason) =>

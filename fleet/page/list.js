@@ -58,6 +58,17 @@ function reportTime(server) {
   return days ? [time, " ", mark] : [time];
 }
 
+// The reason of a server's state. A server without one can have ports in several states: then their numbers.
+function reasonContent(server) {
+  const counts = tally(server.ports, port => port.state);
+  if (server.reason || counts.size < 2) {
+    return foreign(server.reason);
+  }
+  const found = fleet.states.filter(({ name }) => counts.has(name));
+  const texts = found.map(({ name, word }) => `${number(counts.get(name))} ${word.toLowerCase()}`);
+  return make("span", { class: "quiet" }, texts.join(", "));
+}
+
 function makeServerRow(server) {
   const opener = { class: "toggle", "aria-expanded": "false" };
   server.button = button(opener, () => toggle(server), foreign(server.name || "(no name)"));
@@ -70,7 +81,7 @@ function makeServerRow(server) {
   }
   const contents = {
     state,
-    reason: [foreign(server.reason)],
+    reason: [reasonContent(server)],
     ports: [],
     models: [foreign(server.models)],
     code: server.code === null ? [] : [String(server.code)],

@@ -29,6 +29,15 @@ function joined(...texts) {
     .toLowerCase();
 }
 
+// How many items have each key.
+function tally(items, keyOf) {
+  const counts = new Map();
+  for (const item of items) {
+    counts.set(keyOf(item), (counts.get(keyOf(item)) ?? 0) + 1);
+  }
+  return counts;
+}
+
 // How many ports of a server fail for each reason. That of the whole server, such as its return code, has none.
 function failuresOf(server) {
   const failures = new Map(FAILURES.has(server.state) ? server.reasons.map(reason => [reason, 0]) : []);
@@ -51,8 +60,11 @@ for (const server of fleet.servers) {
   server.failures = failuresOf(server);
 }
 
-// A fleet can hold previews and real runs. Servers without ports are neither.
-const onlyPreviews = fleet.preview && fleet.servers.every(server => server.preview || !server.ports.length);
+// A fleet can hold previews and real runs. A report cannot tell which it is of when no port needed a download.
+const EITHER = new Set(["skipped", "current", "listed"]);
+const onlyPreviews =
+  fleet.preview &&
+  fleet.servers.every(server => server.preview || server.ports.every(({ state }) => EITHER.has(state)));
 const portCount = fleet.servers.reduce((sum, server) => sum + server.ports.length, 0);
 const times = fleet.servers.map(server => server.time).filter(time => time !== null);
 const oldest = times.reduce((a, b) => Math.min(a, b), Infinity);

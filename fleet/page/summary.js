@@ -1,13 +1,5 @@
 // What is above the list: the facts, the states, and what they mean.
 
-function tally(items, keyOf) {
-  const counts = new Map();
-  for (const item of items) {
-    counts.set(keyOf(item), (counts.get(keyOf(item)) ?? 0) + 1);
-  }
-  return counts;
-}
-
 const allPorts = fleet.servers.flatMap(server => server.ports);
 const serversByState = tally(fleet.servers, server => server.state);
 const portsByState = tally(allPorts, port => port.state);
@@ -28,11 +20,9 @@ function drawFacts() {
 }
 
 function drawBanner() {
-  const previews = fleet.servers.filter(server => server.preview).length;
-  const where = `on ${number(previews)} of ${counted(fleet.servers.length, "server")}`;
   const [title, text] = onlyPreviews
     ? ["Preview: nothing was written.", "The page shows what the roll-out would do."]
-    : [`Preview ${where}: nothing was written there.`, "The list marks these servers."];
+    : ["Preview: where a server would update, nothing was written.", "The list marks these servers."];
   find("preview").append(make("strong", {}, title), " ", text);
   find("preview").hidden = !fleet.preview;
 }

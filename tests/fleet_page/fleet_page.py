@@ -284,15 +284,19 @@ class Page(unittest.TestCase):
 
     def test_a_preview_says_that_nothing_was_written(self):
         write_server(self.directory, "a", execution(port(1, PREVIEWED)), code=0)
+        write_server(self.directory, "b", execution(port(2, NOT_NEEDED, before=NEW), code=1), code=1)
         self.show()
         self.assertEqual(self.browser.texts("#preview"),
                          ["Preview: nothing was written. The page shows what the roll-out would do."])
         self.assertEqual(self.browser.texts("#versions thead"), ["Model Firmware Before Planned"])
-        self.assertEqual(self.browser.texts("#versions tbody tr"), ["QVa5202 14.2.1.1 1 0", "QVa5202 14.4.1.1 0 1"])
-        write_server(self.directory, "b", execution(port(2)), code=0)
+        self.assertEqual(self.browser.texts("#versions tbody tr"), ["QVa5202 14.2.1.1 1 0", "QVa5202 14.4.1.1 1 2"])
+        mixed = execution(port(3), port(4, NOT_NEEDED, before=NEW))
+        write_server(self.directory, "c", mixed, inventory(port(3, before=NEW), port(4, before=NEW)), 0)
         self.show()
-        self.assertEqual(self.browser.texts("#preview strong"), ["Preview on 1 of 2 servers: nothing was written there."])
-        self.assertEqual(self.browser.texts(".server .state"), ["Not verified", "Would update Preview"])
+        self.assertEqual(self.browser.texts("#preview strong"),
+                         ["Preview: where a server would update, nothing was written."])
+        self.assertEqual(self.browser.texts(".server .reason"), ["1 updated, 1 current", "", ""])
+        self.assertEqual(self.browser.texts(".server .state"), ["Updated", "Would update Preview", "Current"])
 
     def test_a_report_from_the_future_makes_no_other_look_old(self):
         now = int(time.time())
