@@ -31,10 +31,10 @@ adapters.txt:
         Change Status       set to 1 by a download with exit status 80
     The letters HBA must not be anywhere else in the listed lines: readers would see a port.
     A line that begins with # is a comment. A line that begins with @ is a script line.
-    Neither is listed. What 'winhbcfg.exe listattr /c' of a real server printed can be used as
-    it is: UTF-16 (of PowerShell's >) is understood, and other lines before the first block,
-    such as a banner, are not listed. Many keys are found as parts of a line, so keep this order: Model before
+    Neither is listed. Many keys are found as parts of a line, so keep this order: Model before
     VPD Model, Device ID before Sub Device ID, Vendor ID before Sub Vendor ID.
+    What 'winhbcfg.exe listattr /c' of a real server printed can be used as it is: UTF-16 (of
+    PowerShell's >) is understood, and other lines before the first block are not listed.
 
     HBA: 1
     Port WWN: 10:00:aa:bb:cc:dd:ee:01

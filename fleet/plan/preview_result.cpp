@@ -16,7 +16,7 @@ constexpr size_t LARGEST_MESSAGE = size_t{1024} * 1024;
 constexpr std::string_view DOCUMENT_START = "<?xml";
 constexpr std::string_view DOCUMENT_END = "</Execution>";
 constexpr std::string_view LISTING_CALL = "listattr";
-constexpr std::array<std::string_view, 2> complainers = {"winhbcfg: ", "tarnlift.exe: "};
+constexpr std::array<std::string_view, 3> complainers = {"winhbcfg: ", "tarnlift.exe: ", "cannot run "};
 
 // Return codes of the updater.
 constexpr std::array<int, 5> codesOfAReport = {0, 1, 2, 3, 7};

@@ -1,6 +1,7 @@
 #include "plan/child_process.h"
 
 #include <algorithm>
+#include <system_error>
 
 #include <windows.h>
 
@@ -148,7 +149,7 @@ bool fleet::startChild(const ChildOrder& order, Child& child, std::string& probl
         }
     }
     if (error != ERROR_SUCCESS) {
-        problem = "system error " + std::to_string(error);
+        problem = std::system_category().message(static_cast<int>(error));
         return false;
     }
     return true;

@@ -1,6 +1,7 @@
 #include "plan/system.h"
 
 #include <cstdio>
+#include <system_error>
 
 #include <io.h>
 #include <windows.h>
@@ -29,7 +30,7 @@ std::vector<fs::path> fleet::temporaryDirectories() {
 }
 
 static std::string messageOf(DWORD error) {
-    return "system error " + std::to_string(error);
+    return std::system_category().message(static_cast<int>(error));
 }
 
 // Full access for the system, administrators and the owner, whatever the parent hands down: programs are run from it
