@@ -8,12 +8,14 @@
 #include <functional>
 
 #include <fcntl.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include "base/text.h"
 #include "images/grp_reader.h"
 #include "platform/file_exists.h"
 #include "platform/platform.h"
+#include "records/adapter_families.h"
 #include "records/clu_image.h"
 #include "run/paths.h"
 #include "selection/fw_matrix.h"
@@ -320,6 +322,36 @@ TEST_F(Platform, ACallThatFailsFailsItsOperationWhole) {
             EXPECT_TRUE(good) << "no call fails any more, but this still does: " << operation.name;
         }
     }
+}
+
+TEST_F(Platform, AnImageThatCannotBeReadIsNoShortFile) {
+    write("a.grp", grpFile(64, "1.2.3.4"));
+    bool failed = true;
+    for (int call = 1; failed; call++) {
+        GrpHeader header = {};
+        int status = RM_STATUS_OK;
+        failed =
+            runWithFailingCall(call, EIO, [&] { status = readGRPHeader(&header, "a.grp", familyOfImageType(64)); });
+        EXPECT_EQ(status, failed ? RM_STATUS_ERROR_READING_RESOURCE : RM_STATUS_OK)
+            << "with call " << call << " failing";
+    }
+}
+
+TEST_F(Platform, ATerminalIsNoImageEvenIfAnImageIsTypedThere) {
+    const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+    if (terminal < 0 || unlockpt(terminal) != 0) {
+        GTEST_SKIP() << "this machine has no terminals";
+    }
+    fs::create_symlink(ptsname(terminal), "terminal.grp");
+    const std::string typed = grpHeader(0xFEAA0003, 0xF70C0000, "1.2.3.4") + "\n";
+    termios settings = {};
+    tcgetattr(terminal, &settings);
+    cfmakeraw(&settings);
+    tcsetattr(terminal, TCSANOW, &settings);
+    ASSERT_EQ(::write(terminal, typed.data(), typed.size()), static_cast<ssize_t>(typed.size()));
+    GrpHeader header = {};
+    EXPECT_EQ(readGRPHeader(&header, "terminal.grp", familyOfImageType(64)), RM_STATUS_ERROR_READING_RESOURCE);
+    close(terminal);
 }
 
 TEST_F(Platform, PathsThatAreTooLongAndLinesWithoutACommandAreRefused) {

@@ -19,8 +19,9 @@ static constexpr int SIGNAL_STATUS_BASE = 128;
 // A command line split into its parts. The texts are in `storage`.
 struct Command {
     char* program;
-    char* arguments[COMMAND_SIZE / 2];  // ended by a null; the first is the program
-    char* outputFile;                   // null when the line names none
+    char programFile[NATIVE_PATH_SIZE];  // the native path of the program
+    char* arguments[COMMAND_SIZE / 2];   // ended by a null; the first is programFile
+    char* outputFile;                    // null when the line names none
     char storage[COMMAND_SIZE];
 };
 
@@ -131,8 +132,8 @@ static int fillSettings(SpawnSettings* settings, int output) {
     return failure;
 }
 
-// Starts `program`. Returns 0 or the system's error number; nothing runs when a step before the start failed.
-static int spawn(const char* program, Command* command, int output, pid_t* child) {
+// Starts the program. Returns 0 or the system's error number; nothing runs when a step before the start failed.
+static int spawn(Command* command, int output, pid_t* child) {
     SpawnSettings settings;
     int failure = posix_spawn_file_actions_init(&settings.actions);
     if (failure != 0) {
@@ -142,7 +143,8 @@ static int spawn(const char* program, Command* command, int output, pid_t* child
     if (failure == 0) {
         failure = fillSettings(&settings, output);
         if (failure == 0) {
-            failure = posix_spawn(child, program, &settings.actions, &settings.attributes, command->arguments, environ);
+            failure = posix_spawn(child, command->programFile, &settings.actions, &settings.attributes,
+                                  command->arguments, environ);
         }
         posix_spawnattr_destroy(&settings.attributes);
     }
@@ -152,15 +154,14 @@ static int spawn(const char* program, Command* command, int output, pid_t* child
 
 // Runs the program with its standard output redirected to `output`, or not redirected if that is -1.
 static int startAndWait(Command* command, int output) {
-    char program[NATIVE_PATH_SIZE];
-    if (!nativePath(command->program, program)) {
+    if (!nativePath(command->program, command->programFile)) {
         return CANNOT_RUN;
     }
-    command->arguments[0] = program;
+    command->arguments[0] = command->programFile;
     pid_t child = 0;
-    int failure = spawn(program, command, output, &child);
+    int failure = spawn(command, output, &child);
     if (failure != 0) {
-        fprintf(stderr, "cannot run %s: %s\n", program, strerror(failure));
+        fprintf(stderr, "cannot run %s: %s\n", command->programFile, strerror(failure));
         return CANNOT_RUN;
     }
     return exitCodeOf(child);
