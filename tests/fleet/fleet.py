@@ -73,6 +73,8 @@ class Rehearsal(unittest.TestCase):
             "killed": "changed would-update", "no-adapters": "changed no-adapters", "node1": "changed would-update",
             "unlisted": "changed skipped"})
         self.assertIn("Run the play with tarnlift_apply=true", self.last_line("preview", "cut-off"))
+        self.assertIn("This play wrote no firmware.", self.text("preview.log"))
+        self.assertNotIn("This play wrote no firmware.", self.text("update.log"))
         for step in ("misspelled", "preview", "check"):
             self.assertEqual(self.calls(step), [], step)
         self.assertEqual(self.ended("check"), {"canary": "changed would-update", "current": "ok current"})

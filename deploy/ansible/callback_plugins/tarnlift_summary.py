@@ -49,6 +49,8 @@ class CallbackModule(CallbackBase):
         self.show([tarnfleet, "status", reports] + names)
         if self.show([tarnfleet, "page", reports, "-o", page] + names) < 3:
             self._display.display(f"Page: {page}")
+        if not self.setup["writes"]:
+            self._display.display("This play wrote no firmware. With -e tarnlift_apply=true it does.")
 
     def show(self, command):
         ended = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)

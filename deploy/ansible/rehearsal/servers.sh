@@ -86,7 +86,7 @@ set_up_servers() {
     server gone
     touch "$directory/servers/gone/down"
     server killed
-    board QVa5104 E300 $old delay=4000
+    board QVa5104 E300 $old delay=6000
 }
 
 # Servers for a rehearsal of many, and their inventory: each needs an update, every fifth then waits for a reboot, and

@@ -9,6 +9,7 @@ import shutil
 from pathlib import Path
 
 import yaml
+from ansible.module_utils.parsing.convert_bool import boolean
 from ansible.plugins.action import ActionBase
 
 RESULT = "tarnlift_result"
@@ -95,7 +96,8 @@ class ActionModule(ActionBase):
                 problems.append(f"tarnlift_{variable}: there is no file {tasks}")
             result[variable] = tasks
 
-        result.update(failed=bool(problems), codes=codes, tarnfleet=tarnfleet, kept_in=given["results"])
+        result.update(failed=bool(problems), codes=codes, tarnfleet=tarnfleet, kept_in=given["results"],
+                      writes=boolean(given["writes"]))
         if problems:
             result["msg"] = "; ".join(problems)
         return result
