@@ -56,8 +56,9 @@ static std::array<uint64_t, 4> versionNumbers(std::string_view version) {
     constexpr uint64_t limit = UINT32_MAX;
     std::array<uint64_t, 4> numbers = {};
     for (uint64_t& number : numbers) {
+        version.remove_prefix(std::min(version.find_first_not_of('.'), version.size()));
         const std::string_view piece = version.substr(0, version.find('.'));
-        version.remove_prefix(std::min(piece.size() + 1, version.size()));
+        version.remove_prefix(piece.size());
         for (size_t i = 0; i < piece.size() && piece[i] >= '0' && piece[i] <= '9'; i++) {
             number = std::min(number * 10 + static_cast<uint64_t>(piece[i] - '0'), limit);
         }
@@ -161,18 +162,21 @@ static Verdict judgeRunPort(const ReportedPort& port, const ReportedPort* now, c
 
 // A query counts a port as failed when one of these values is missing.
 static Verdict judgeListedPort(const ReportedPort& port) {
-    const bool hasWwn = port.wwn != "00:00:00:00:00:00:00:00" && port.wwn != "N/A" && port.wwn != "NONE";
-    const bool hasModel = port.model != "UNKNOWN_MODEL" && port.model != "Unknown";
-    const bool hasFirmware = port.firmware != "N/A" && port.firmware != "NONE";
-    const bool hasBootCode = port.bootCode != "N/A";
-    if (hasWwn && hasModel && hasFirmware && hasBootCode) {
-        return {State::LISTED, ""};
+    const struct {
+        const char* name;
+        bool isUsable;
+    } values[] = {
+        {"WWN", port.wwn != "00:00:00:00:00:00:00:00" && port.wwn != "N/A" && port.wwn != "NONE"},
+        {"model", port.model != "UNKNOWN_MODEL" && port.model != "Unknown"},
+        {"firmware version", port.firmware != "N/A" && port.firmware != "NONE"},
+        {"boot code version", port.bootCode != "N/A"},
+    };
+    for (const auto& value : values) {
+        if (!value.isUsable) {
+            return {State::FAILED, std::string("the listing has no usable ") + value.name};
+        }
     }
-    const char* missing = !hasWwn        ? "WWN"
-                          : !hasModel    ? "model"
-                          : !hasFirmware ? "firmware version"
-                                         : "boot code version";
-    return {State::FAILED, std::string("the listing has no usable ") + missing};
+    return {State::LISTED, ""};
 }
 
 static PortResult portResult(const ReportedPort& port, Verdict verdict) {
