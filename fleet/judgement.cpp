@@ -17,8 +17,7 @@ struct CodeRow {
 };
 
 constexpr CodeRow codeRows[] = {
-    {RETURN_ALL_FAILED, State::FAILED,
-     "everything failed, the switches do not go together, or fwmatrix.txt was not found"},
+    {RETURN_ALL_FAILED, State::FAILED, "all failed, or the switches do not go together, or there is no fwmatrix.txt"},
     {RETURN_SOME_FAILED, State::FAILED, "some downloads or queries failed"},
     {RETURN_COMMAND_LINE, State::FAILED, "a bad switch, or the program's directory was not found"},
     {RETURN_NO_ADAPTERS, State::NO_ADAPTERS, "no supported adapters"},
@@ -29,7 +28,7 @@ constexpr CodeRow codeRows[] = {
     {RETURN_IMAGE_VERSION, State::FAILED, "not a firmware file, or its version cannot be read"},
 };
 
-constexpr char UNKNOWN_CODE[] = "none of tarnlift.exe's: it crashed, was ended, or was not started";
+constexpr char UNKNOWN_CODE[] = "tarnlift.exe crashed, was ended, or was not started";
 
 constexpr size_t MOST_REASONS = 20;  // of one server; its ports have theirs
 

@@ -46,8 +46,7 @@ static Report readPlainText(std::string_view text) {
     if (report.returnCode == RETURN_NO_ADAPTERS) {
         report.kind = ReportKind::NO_ADAPTERS;
     }
-    report.fault =
-        firstLine.empty() ? "is empty" : "is not a report but text: " + cutText(shownText(firstLine), LONGEST_QUOTE);
+    report.fault = firstLine.empty() ? "is empty" : "is plain text: " + cutText(shownText(firstLine), LONGEST_QUOTE);
     return report;
 }
 
@@ -64,13 +63,13 @@ static Report withoutDocument(std::string_view fault) {
 
 static Report readDocument(std::string_view text) {
     if (text.find(PROLOG, 1) != std::string_view::npos) {
-        return withoutDocument("holds more than one report, as a /log= file does after a second run");
+        return withoutDocument("holds several documents, as a /log= file can");
     }
     if (isCutOff(text)) {
         return withoutDocument("is cut off");
     }
     Report report;
-    return readElements(text, report) ? report : withoutDocument("is not a report as tarnlift.exe writes it");
+    return readElements(text, report) ? report : withoutDocument("is not as tarnlift.exe writes it");
 }
 
 Report fleet::readReport(const FileContent& content) {
@@ -82,7 +81,7 @@ Report fleet::readReport(const FileContent& content) {
         return readDocument(text);
     }
     if (text.find(PROLOG) != std::string_view::npos) {
-        return withoutDocument("has text before the report, as /v prints it");
+        return withoutDocument("begins with other text, as /v prints it");
     }
     return readPlainText(text);
 }

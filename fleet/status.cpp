@@ -47,6 +47,23 @@ static std::string limited(const std::string& text, size_t width) {
     return width == 0 ? text : cutText(text, width);
 }
 
+// Breaks a text at blanks into lines of a width; all but the first are indented.
+static std::string wrapped(std::string_view text, size_t width, size_t indent) {
+    std::string result;
+    size_t used = 0;
+    while (!text.empty()) {
+        const std::string_view word = text.substr(0, text.find(' '));
+        text.remove_prefix(std::min(word.size() + 1, text.size()));
+        if (used > 0 && used + 1 + lengthOf(word) > width) {
+            result.append("\n").append(indent, ' ');
+            used = 0;
+        }
+        result.append(used > 0 ? " " : "").append(word);
+        used += lengthOf(word) + (used > 0 ? 1 : 0);
+    }
+    return result;
+}
+
 static const char* colourOf(State state) {
     switch (rowOf(state).exitCode) {
     case EXIT_ATTENTION:
@@ -144,10 +161,14 @@ static std::string failureRows(const std::vector<ServerResult>& servers, const L
         return std::pair(left.second.servers, left.second.ports) > std::pair(right.second.servers, right.second.ports);
     });
     const size_t shown = layout.terminal.isTerminal ? std::min(rows.size(), MOST_REASONS) : rows.size();
-    const size_t width = layout.terminal.isTerminal ? layout.terminal.columns - 2 * COUNT_WIDTH - GAP.size() - 1 : 0;
+    const size_t indent = 2 * COUNT_WIDTH + GAP.size();
+    const size_t width =
+        std::max(LEAST_REASON, layout.terminal.columns - std::min(indent + 1, layout.terminal.columns));
     std::string text = "\nFailures by reason\nSERVERS  PORTS  REASON\n";
     for (size_t i = 0; i < shown; i++) {
-        text.append(countCells(rows[i].second)).append(GAP).append(limited(rows[i].first, width)).append("\n");
+        const std::string& reason = rows[i].first;
+        text.append(countCells(rows[i].second)).append(GAP);
+        text.append(layout.terminal.isTerminal ? wrapped(reason, width, indent) : reason).append("\n");
     }
     if (shown < rows.size()) {
         text.append("and ").append(std::to_string(rows.size() - shown)).append(" more reasons\n");

@@ -97,10 +97,10 @@ CASES = [
     # What is no report.
     Case("empty", {"xml": "", "code": "5"}, "no-report", "is empty"),
     Case("cut-off", {"xml": good[:-20]}, "no-report", "is cut off"),
-    Case("help", {"xml": "Velmar Tarnlift\n\nUsage: ...\n", "code": "0"}, "no-report", "text: Velmar Tarnlift"),
+    Case("help", {"xml": "Velmar Tarnlift\n\nUsage: ...\n", "code": "0"}, "no-report", "plain text: Velmar Tarnlift"),
     Case("verbose", {"xml": "Download Summary:\n" + good}, "no-report", "as /v prints it"),
     Case("text-inside", {"xml": good.replace("<Message", "Download Summary: <Message")}, "no-report", "as tarnlift.exe writes"),
-    Case("two-runs", {"xml": good + good}, "no-report", "more than one report"),
+    Case("two-runs", {"xml": good + good}, "no-report", "several documents"),
     Case("entity", {"xml": good.replace(PROLOG, PROLOG + '<!DOCTYPE x [<!ENTITY e SYSTEM "file:///etc/hostname">]>')
                     .replace("a.grp", "&e;")}, "no-report"),
     Case("other-element", {"xml": good.replace("<Message", "<Extra/><Message")}, "no-report"),
