@@ -5,6 +5,7 @@
 #   test      to test them as well
 #   fuzz      to build the fuzz targets
 #   windows   to build the Windows programs and run them
+#   release   to make a release and test it, in addition to `windows`
 #   coverage  to print what the tests reach, in addition to `test`
 #   mutate    to flip decisions of the program, in addition to `test`
 #   bench     to measure what a run costs
@@ -49,7 +50,14 @@ add_role() {
             "/usr/src/googletest/googletest googletest"
             "wine wine"
             "/usr/lib/wine/wine64 wine64"
+        )
+        ;;
+    release)
+        needed+=(
+            "python3 python3"
             "zip zip"
+            "osslsigncode osslsigncode"
+            "openssl openssl"
         )
         ;;
     coverage)
