@@ -72,14 +72,11 @@ if defined XML set "OUTPUT=%REPORT%.xml"
 if defined XML set "FORM=/xml"
 
 if not exist "%PROGRAM%" echo %COMPUTERNAME%: FAILED - "%PROGRAM%" is missing.& exit /b 100
-set "OLD=%REPORT%.old"
-if exist "%OUTPUT%" copy /y "%OUTPUT%" "%OLD%" > nul
-if exist "%OUTPUT%" del /f /q "%OUTPUT%"
-if exist "%OUTPUT%" echo %COMPUTERNAME%: FAILED - "%OUTPUT%" cannot be replaced. Is another run going on?& exit /b 100
-call :look_for_end "%OLD%"
-if exist "%OLD%" if not defined ENDED echo ==== The run before this one did not come to its end:>> "%LOG%"
-if exist "%OLD%" if not defined ENDED type "%OLD%" >> "%LOG%"
-for %%E in (old txt xml code query.xml) do if exist "%REPORT%.%%E" del /f /q "%REPORT%.%%E"
+set "BUSY="
+call :clear "%REPORT%.txt"
+if not defined BUSY call :clear "%REPORT%.xml"
+if defined BUSY echo %COMPUTERNAME%: FAILED - "%BUSY%" cannot be replaced. Is another run going on?& exit /b 100
+for %%E in (code query.xml) do if exist "%REPORT%.%%E" del /f /q "%REPORT%.%%E"
 echo ==== %DATE% %TIME% %FORM% %MODE%%SWITCHES%%PLACES%>> "%LOG%"
 "%PROGRAM%" %FORM% %MODE%%SWITCHES%%PLACES% > "%OUTPUT%"
 set "CODE=%ERRORLEVEL%"
@@ -134,6 +131,20 @@ if not defined ENDED exit /b 100
 if "%STATE%"=="REBOOT" exit /b 3010
 if "%CODE%"=="1" exit /b 0
 exit /b %CODE%
+
+rem Removes the output of an earlier run; the log keeps it if that run did not come to its end. Sets BUSY if the file is in
+rem use or cannot be removed. The program of another run has it open, and then nobody else can open it for writing.
+:clear
+if not exist %1 exit /b
+set "BUSY=%~1"
+>> %1 set "BUSY="
+if defined BUSY exit /b
+call :look_for_end %1
+if not defined ENDED echo ==== The run before this one did not come to its end:>> "%LOG%"
+if not defined ENDED type %1 >> "%LOG%"
+del /f /q %1
+if exist %1 set "BUSY=%~1"
+exit /b
 
 rem Sets ENDED if the file holds the output of a run that came to its end, with the code CODE if that is set.
 :look_for_end
