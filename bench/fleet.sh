@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Measures what tarnfleet costs on fleets of growing size: time and memory of status, csv and page. Takes about a minute.
+# Measures what tarnfleet costs on fleets of growing size: time and memory of status, csv and page, and time of plan. Takes
+# about two minutes.
 # Usage: bench/fleet.sh [DIRECTORY]    works in DIRECTORY/bench-fleet/, which it makes anew; build/ if not named
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -12,7 +13,7 @@ tools/setup.sh bench
 rm -rf "$top"
 mkdir -p "$top"
 cmake --preset native >"$top/build.log"
-cmake --build --preset native --target tarnfleet >>"$top/build.log"
+cmake --build --preset native --target tarnfleet tarnlift winhbcfg >>"$top/build.log"
 for size in $sizes; do
     python3 bench/made_fleet.py "$top/$size" "$size"
 done
@@ -46,3 +47,16 @@ echo
 rows=$(build/native/bin/tarnfleet csv "$top/5000" | tail -n +2 | wc -l)
 build/native/bin/tarnfleet page "$top/5000" -o "$top/fleet.html"
 echo "The 5,000 servers have $rows ports; their page has $(($(stat -c %s "$top/fleet.html") / 1000)) kB."
+
+# plan: listings of servers with 8 ports each, and a machine whose table and firmware they need.
+python3 bench/machine.py "$top/machine" ports 8 >"$top/boards"
+printf '\n| Listings | Least | Median | Processor time |\n|---|---|---|---|\n'
+for size in 125 250 500 1000 2000; do
+    mkdir "$top/listings-$size"
+    for ((server = 0; server < size; server++)); do
+        cp "$top/machine/listing.txt" "$top/listings-$size/server$server.txt"
+    done
+    hyperfine --shell=none --warmup 1 --runs 5 --export-csv "$top/result.csv" "build/native/bin/tarnfleet plan \
+        $top/listings-$size -o $top/plan-$size -- /update /id=$top/machine /fmd=$top/machine" >/dev/null 2>&1
+    awk -F, -v size="$size" 'NR == 2 { printf "| %d | %.2f s | %.2f s | %.2f s |\n", size, $7, $4, $5 + $6 }' "$top/result.csv"
+done

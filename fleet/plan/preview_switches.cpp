@@ -49,8 +49,7 @@ constexpr std::array<Row, 16> knownSwitches = {{
 // The updater cuts longer directories, or the paths of the files in them.
 constexpr size_t LONGEST_DIRECTORY = 200;
 
-// It ends a value at an equals sign, and the system of its own has no paths with the others; on Linux it takes a
-// backslash for a slash.
+// It ends a value at an equals sign, opens no path with the others, and on Linux turns a backslash into a slash.
 #ifdef _WIN32
 constexpr std::string_view WRONG_IN_DIRECTORY = "=\"*<>?|";
 #else
