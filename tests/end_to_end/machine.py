@@ -19,6 +19,7 @@ WINDOWS = os.environ.get("TARNLIFT_SYSTEM") == "windows"
 TOP = Path(__file__).resolve().parents[2]
 WINE = [TOP / "tools/wine.sh"] if WINDOWS else []
 WINDOWS_TEMP = r"C:\temp"  # TEMP of what is started without Machine.run
+CANNOT_LAUNCH = 250  # return code of launch.exe
 PROBE_KEY = r"SOFTWARE\VelmarFwupdate"
 SOURCE_KEY = r"SYSTEM\CurrentControlSet\Services\Eventlog\Application\Velmar Tarnlift"
 TIME = re.compile(r"^(Sun|Mon|Tue|Wed|Thu|Fri|Sat) (Jan|Feb|Mar|Apr|May|Jun|Jul|Aug|Sep|Oct|Nov|Dec) [ 1-3]\d "
@@ -100,6 +101,8 @@ class Machine:
         done = subprocess.run([*command, *switches], cwd=self.path / "cwd", env=environment, timeout=120,
                               stdin=subprocess.DEVNULL, stdout=stdout, stderr=subprocess.PIPE, **start)
         self.stderr = done.stderr.decode("latin-1")
+        if WINDOWS and done.returncode == CANNOT_LAUNCH:
+            raise AssertionError("the program was not started: " + self.stderr)
         output = done.stdout or b""
         if output.startswith(b"<?xml") and "/v" not in switches:
             check = subprocess.run(["xmllint", "--noout", "--schema", TOP / "share/report.xsd", "-"], input=output,
