@@ -47,6 +47,12 @@ def with_elisions(shown, output):
     return merged
 
 
+def anchors(document):
+    """The anchors of the chapters of a document, as web pages that show it make them."""
+    titles = re.findall("^##+ (.*)", document.read_text(), re.M)
+    return {re.sub("[^a-z0-9 -]", "", title.lower()).replace(" ", "-") for title in titles}
+
+
 class Guide(MachineTest):
     def set_up_server(self):
         """The server that each chapter begins with: the sample adapters, table and firmware files."""
@@ -102,11 +108,13 @@ class Guide(MachineTest):
             with self.subTest(chapter=title):
                 self.assertTrue(chapter == printed, "\n" + "\n".join(difference))
 
-    def test_its_links_lead_to_a_chapter_or_a_file(self):
-        text = GUIDE.read_text()
-        anchors = {re.sub("[^a-z -]", "", title.lower()).replace(" ", "-") for title in re.findall("^##+ (.*)", text, re.M)}
-        links = re.findall(r"\]\((.*?)\)", text)
-        lost = [link for link in links if link[1:] not in anchors and not (GUIDE.parent / link).exists()]
+    def test_the_links_of_all_documents_lead_somewhere(self):
+        lost = []
+        for document in [*TOP.glob("*.md"), *TOP.glob("docs/*.md"), TOP / "bench/README.md", TOP / "deploy/ansible/README.md"]:
+            for path, anchor in re.findall(r"\]\(([^)\s#]*)#?([^)\s]*)\)", document.read_text()):
+                target = document.parent / path if path else document
+                if not target.exists() or anchor and anchor not in anchors(target):
+                    lost.append(f"{document.relative_to(TOP)}: {path}#{anchor}")
         self.assertEqual(lost, [])
 
     def test_lines_that_it_cannot_run_are_marked(self):
