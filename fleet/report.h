@@ -20,7 +20,6 @@ struct ReportedPort {
     std::string image;     // version of the chosen image
     std::string file;      // its file
     std::string message;   // the words of the status
-    bool updated = false;  // downloaded, or would be
     int status = 0;        // a PortOutcome; only in an execution
 };
 
