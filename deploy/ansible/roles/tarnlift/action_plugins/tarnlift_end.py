@@ -38,7 +38,7 @@ def port_lines(ports, failed):
 def last_line(state, code, text, reasons, ports, failed):
     """The line, part by part. Reasons that ports or the return code's text repeat are left out."""
     if state == NOT_RUN:
-        return ["not previewed: --check copies no files, or the tags of this play leave the preview out"]
+        return ["not previewed: --check prepares no directory, or the tags of this play leave the preview out"]
     line = [state if code is None else f"{state}, return code {code} ({text})"]
     for reason in reasons:
         reason = reason.removeprefix(f"return code {code}: ")

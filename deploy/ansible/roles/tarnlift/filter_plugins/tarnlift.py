@@ -8,7 +8,7 @@ FULL_ACCESS = {"FA", "0x1f01ff"}
 # What the role, the program and the adapter utility make beside the files of the set.
 OWN = re.compile(r"(tarnlift-run\.cmd|rm\.ini|[^\\]*\.log|temp(\\.*)?|run(\\(report\.xml|code))?|firmware)$")
 FIRMWARE = re.compile(r"firmware\\[^\\]*\.grp[^\\]*$")
-MOST_NAMED = 5
+MOST_NAMED = 3
 
 
 def files_of(source):
