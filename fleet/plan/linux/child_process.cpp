@@ -1,5 +1,6 @@
 #include "plan/child_process.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -36,7 +37,7 @@ static void noteSignal(int number) {
 ProcessWatch::ProcessWatch() {
     interruption = 0;
     if (pipe2(wakePipe, O_CLOEXEC | O_NONBLOCK) != 0) {
-        wakePipe[0] = wakePipe[1] = -1;  // waitForChildren then wakes by its time alone
+        wakePipe[0] = wakePipe[1] = -1;
     }
     for (size_t i = 0; i < watchedSignals.size(); i++) {
         struct sigaction action = {};
@@ -129,7 +130,8 @@ bool fleet::startChild(const ChildOrder& order, Child& child, std::string& probl
 
 void fleet::waitForChildren(std::span<const Child> /*children*/, int milliseconds) {
     pollfd wake = {.fd = wakePipe[0], .events = POLLIN, .revents = 0};
-    poll(&wake, 1, milliseconds);
+    constexpr int shortWait = 20;  // without the pipe nothing wakes it
+    poll(&wake, 1, wake.fd < 0 ? std::min(milliseconds, shortWait) : milliseconds);
     std::array<char, 64> bytes;
     while (read(wakePipe[0], bytes.data(), bytes.size()) > 0) {
     }
