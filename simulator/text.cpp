@@ -66,14 +66,12 @@ std::string utf8Of(std::u16string_view units) {
     std::string text;
     for (size_t at = 0; at < units.size(); at++) {
         char32_t unit = units[at];
-        bool isFirst = unit >= 0xD800 && unit < 0xDC00;
-        bool isSecond = unit >= 0xDC00 && unit < 0xE000;
         char32_t next = at + 1 < units.size() ? units[at + 1] : 0;
-        if (isFirst && next >= 0xDC00 && next < 0xE000) {
+        if (unit >= 0xD800 && unit < 0xDC00 && next >= 0xDC00 && next < 0xE000) {
             appendUtf8(0x10000 + ((unit - 0xD800) << 10) + (next - 0xDC00), text);
             at++;
         } else {
-            appendUtf8(isFirst || isSecond ? REPLACEMENT : unit, text);
+            appendUtf8(unit >= 0xD800 && unit < 0xE000 ? REPLACEMENT : unit, text);
         }
     }
     return text;
