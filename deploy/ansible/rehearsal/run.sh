@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Rehearses the roll-out on simulated servers: the role's own tasks, with stand-ins for the modules of Windows.
-# Usage: run.sh [--hosts N] [BIN-DIRECTORY [DIRECTORY]]      default: build/native/bin and build/rehearsal
+# Usage: run.sh [--hosts N] [BIN-DIRECTORY [DIRECTORY]]
+# Default: the programs that were built in the repository, or those of the unpacked archive; build/rehearsal there.
 #
 # Steps: a misspelled variable; check mode; the preview, which is the default; the update in batches, during which one
 # connection is lost; a second update; a controller that is killed during a download, and the play that follows; a batch
@@ -16,8 +17,17 @@ if [ "${1:-}" = --hosts ]; then
     many=$2
     shift 2
 fi
-bin=$(realpath "${1:-$here/../../../build/native/bin}")
-directory=$(realpath -m "${2:-$here/../../../build/rehearsal}")
+top=$(realpath "$here/../../..")
+bin=$top/build/native/bin
+sample=$top/simulator/adapters.sample.txt
+if [ ! -e "$sample" ]; then
+    bin="$top/rehearsal only - simulated adapters"
+    sample=$bin/adapters.sample.txt
+fi
+bin=$(realpath "${1:-$bin}")
+tarnfleet=$bin/tarnfleet
+[ -e "$tarnfleet" ] || tarnfleet=$top/tarnfleet
+directory=$(realpath -m "${2:-$top/build/rehearsal}")
 . "$here/servers.sh"
 
 # A step: its name, and what else the play is told. Servers may fail, the play must run.
@@ -45,7 +55,7 @@ state_of() {
     [ ! -e "$kept.query.xml" ] || files+=("$kept.query.xml")
     [ ! -e "$kept.rebooted" ] || files+=(--rebooted)
     [ ! -e "$kept.code" ] || files+=(--code "$(cat "$kept.code")")
-    { "$bin/tarnfleet" check "${files[@]}" || true; } | sed 's/^{"state":"\([^"]*\)".*/\1/'
+    { "$tarnfleet" check "${files[@]}" || true; } | sed 's/^{"state":"\([^"]*\)".*/\1/'
 }
 
 note_calls() {
@@ -78,8 +88,8 @@ fi
 rm -rf "$directory"
 mkdir -p "$directory/servers"
 set_up_firmware_set
-told=(-i "$here/hosts.yml" "$here/../update-firmware.yml" -e "rehearsal=$directory" -e "tarnlift_results=$directory"
-    -e "tarnlift_tarnfleet=$bin/tarnfleet")
+told=(-i "$here/hosts.yml" "$here/../update-firmware.yml" -e "rehearsal='$directory'"
+    -e "tarnlift_results='$directory'" -e "tarnlift_tarnfleet='$tarnfleet'")
 write=(-e tarnlift_apply=true)
 if [ "$many" -gt 0 ]; then
     set_up_many "$many"

@@ -1,6 +1,5 @@
 # The simulated servers of the rehearsal; run.sh reads this file. A server NAME is the directory servers/NAME/Tarnlift.
 
-sample=$here/../../../simulator/adapters.sample.txt
 old=14.2.100.5
 new=14.4.473.14
 refusal='exit=92 reply="Error: not on this board"'
