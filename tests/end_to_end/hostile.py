@@ -128,6 +128,14 @@ class Hostile(MachineTest):
             self.assertEqual((machine.calls(), list((machine.path / "cwd").iterdir())), ([LIST], []), name)
             self.assertEqual(self.messages(machine), TWO_PERCENT if replaced else "")
 
+    @windows_only
+    def test_a_line_end_in_a_path_ends_no_command_line(self):
+        for line_end in "\r", "\n":
+            machine = self.board(port())
+            self.assertEqual(machine.run("/update", f"/id=x{line_end}y\\..\\..")[0], 2)  # the same as /id=..
+            self.assertEqual(machine.calls(), [LIST])
+            self.assertEqual(self.messages(machine), NOT_RUN + "a path in its command line holds a line end\n")
+
     def test_names_in_the_firmware_directory_that_no_file_has(self):
         machine = self.board(port(fw="1.0.0.0"))
         names = ['e" > \\x\\v .grp', 'a"b.grp', "a\nHBA=x.grp"]
