@@ -11,6 +11,7 @@
 
 #include "platform/platform.h"
 
+static std::string namesInUse;   // what may be opened is part of this text, but for the directory
 static std::string fileContent;  // of every file
 
 static void must(bool holds, const char* rule, const std::string& got) {
@@ -22,6 +23,8 @@ static void must(bool holds, const char* rule, const std::string& got) {
 
 extern "C" int __wrap_open(const char* path, int, ...) {
     must(strpbrk(path, "\"*<>?|\r\n\t") == nullptr, "only names that Windows allows are opened", path);
+    const char* slash = strrchr(path, '/');
+    must(namesInUse.find(slash == nullptr ? path : slash + 1) != std::string::npos, "the input names the file", path);
     const int file = memfd_create("file", MFD_CLOEXEC);
     const ssize_t written = pwrite(file, fileContent.data(), fileContent.size(), 0);
     must(written == static_cast<ssize_t>(fileContent.size()), "the file can be made", path);
@@ -91,6 +94,8 @@ extern "C" int LLVMFuzzerTestOneInput(const char* data, size_t size) {
     const size_t end = input.find('\n');
     const std::string line = input.substr(0, end);
     fileContent = prepared && end < size ? input.substr(end + 1) : "";
+    namesInUse = line + "text";
+    std::erase(namesInUse, '"');
     runCommand(line.c_str());
     readPath(line.c_str());
     readTextFile(1 + size % 63);
