@@ -133,7 +133,7 @@ static int expectedCode() {
         metAnImage = metAnImage || query || end.attempted || end.outcome == OUTCOME_NOT_NEEDED;
     }
     if (!metAnImage) {
-        return isQueryOnly() ? RETURN_SUCCEEDED : RETURN_NO_COMPATIBLE_FIRMWARE;
+        return RETURN_NO_COMPATIBLE_FIRMWARE;
     }
     if (failed > 0) {
         return failed == asked ? RETURN_ALL_FAILED : RETURN_SOME_FAILED;

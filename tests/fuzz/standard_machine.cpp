@@ -58,9 +58,13 @@ MemoryMachine standardMachine() {
         {IMAGE_DIRECTORY + "4.grp", imageFile(1, "14.2.0.1")},
         {"C:\\tmp\\temp.txt", "HBA: 99\nModel: A\nDevice ID: E300\nNO Error\n"},  // old, and looks like a reply
     };
+    std::string longReply;
+    while (longReply.size() < 9000) {  // more than the program keeps of a reply
+        longReply += "A line of a reply without a result.\n";
+    }
     made.replies = {
-        {80, "NO Error."}, {0, "NO Error."},  {92, "Error."},    {87, "NO Error."},
-        {1, "Error."},     {96, "NO Error."}, {0, "Some text."},
+        {80, "NO Error."}, {0, "NO Error."},  {92, "Error."}, {87, "NO Error."},
+        {1, "Error."},     {96, "NO Error."}, {0, longReply},
     };
     return made;
 }
