@@ -20,8 +20,10 @@ COPY = TOP / "build/mutate/tree"
 BUILD = TOP / "build/mutate/build"
 KNOWN = TOP / "tools/mutants-that-change-nothing.txt"
 FILES = ["images/version_rules.cpp", "selection/fw_matrix.cpp", "selection/matrix_selection.cpp",
-         "selection/auto_selection.cpp", "download/download_driver.cpp", "download/download_reply.cpp", "report/summaries.cpp"]
-SUITES = ["downloads", "reports", "hostile"]
+         "selection/auto_selection.cpp", "download/download_driver.cpp", "download/download_reply.cpp",
+         "records/hba_record.cpp", "report/port_report.cpp", "report/port_rows.cpp", "report/summaries.cpp",
+         "run/port.cpp", "run/run.cpp"]
+SUITES = ["texts", "downloads", "reports", "command_line", "hostile"]
 
 # A pattern and its replacement. Strings and comments are left alone.
 FLIPS = [(r"(?<=\s)==(?=\s)", "!="), (r"(?<=\s)!=(?=\s)", "=="), (r"(?<=\s)<(?=\s)", "<="), (r"(?<=\s)>(?=\s)", ">="),
