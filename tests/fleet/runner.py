@@ -1,16 +1,17 @@
 """tarnlift-run.cmd, which runs an update apart from the connection, with the real program through Wine.
 
-Not here: that `wait` sees a run that goes on. Wine's cmd.exe does not lock the file to which it redirects output.
+Wine's cmd.exe does not lock the file to which it redirects output, so `holder` does where a run has to go on.
 """
 import shutil
 import subprocess
 import sys
+import time
 import unittest
 from pathlib import Path
 
 TOP = Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(TOP / "tests/end_to_end"))
-from machine import WINE, MachineTest, port, spelled  # noqa: E402
+from machine import BIN, WINE, MachineTest, port, spelled  # noqa: E402
 
 
 class Runner(MachineTest):
@@ -51,6 +52,16 @@ class Runner(MachineTest):
         self.assertEqual(self.ask("wait", "20"), (0, "cut-off"))
         shutil.rmtree(self.server.path / "run")
         self.assertEqual(self.ask("wait", "20"), (0, "none"))
+
+    def test_a_run_that_goes_on_is_waited_for(self):
+        (self.server.path / "run").mkdir()
+        report = spelled(self.server.path / "run/report.xml")
+        with subprocess.Popen([*WINE, BIN / "holder.exe", report, "20000"], stdin=subprocess.DEVNULL) as run:
+            while not (self.server.path / "run/report.xml").exists():
+                time.sleep(0.1)
+            self.assertEqual(self.ask("wait", "12"), (0, "running"))
+            self.assertIsNone(run.poll())
+        self.assertEqual(self.ask("wait", "20"), (0, "cut-off"))
 
 
 unittest.main()

@@ -40,15 +40,16 @@ set /a "LEFT-=1"
 goto look
 
 rem The output file of a run is open for as long as the run or the adapter utility lives, and cannot be
-rem opened for writing by another program. A run that is being started has not opened it yet, so only
-rem the tenth look in a row that finds no run decides.
+rem renamed meanwhile. A run that is being started has not opened it yet, so only the tenth look in a row
+rem that finds no run decides.
 :state
 set "STATE=running"
 set "CODE="
 if exist run\code set /p CODE=<run\code
 if defined CODE set "STATE=ended %CODE%"& exit /b 0
 set "BUSY="
-if exist run\report.xml call :probe 2>nul
+if exist run\report.tmp ren run\report.tmp report.xml
+if exist run\report.xml call :probe
 if defined BUSY set /a "DOUBT=0"& exit /b 0
 set /a "DOUBT+=1"
 if %DOUBT% lss 10 exit /b 0
@@ -57,6 +58,7 @@ if exist run\nul set "STATE=cut-off"
 exit /b 0
 
 :probe
-set "BUSY=yes"
-type nul >> run\report.xml && set "BUSY="
+ren run\report.xml report.tmp 2>nul
+if not exist run\report.tmp set "BUSY=yes"& exit /b 0
+ren run\report.tmp report.xml
 exit /b 0

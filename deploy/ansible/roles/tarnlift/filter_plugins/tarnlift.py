@@ -6,7 +6,7 @@ from pathlib import Path
 OWNERS = {"BA", "SY"}  # administrators, the system
 FULL_ACCESS = {"FA", "0x1f01ff"}
 # What the role, the program and the adapter utility make beside the files of the set.
-OWN = re.compile(r"(tarnlift-run\.cmd|rm\.ini|[^\\]*\.log|temp(\\.*)?|run(\\(report\.xml|code))?|firmware)$")
+OWN = re.compile(r"(tarnlift-run\.cmd|rm\.ini|[^\\]*\.log|temp(\\.*)?|run(\\(report\.(xml|tmp)|code))?|firmware)$")
 FIRMWARE = re.compile(r"firmware\\[^\\]*\.grp[^\\]*$")
 MOST_NAMED = 3
 
