@@ -14,7 +14,7 @@ import time
 import unittest
 from pathlib import Path
 
-BIN = Path(os.environ["TARNLIFT_BIN"])
+BIN = Path(os.environ["TARNLIFT_BIN"]).resolve()
 WINDOWS = os.environ.get("TARNLIFT_SYSTEM") == "windows"
 TOP = Path(__file__).resolve().parents[2]
 WINE = [TOP / "tools/wine.sh"] if WINDOWS else []
