@@ -40,9 +40,11 @@ def code_only(line):
 def mutants(name):
     """Yields line number, label and the whole mutated source."""
     lines = (COPY / "src" / name).read_text().splitlines(keepends=True)
-    function = "file"
+    function, asserts = "file", False
     for number, line in enumerate(lines):
-        if line.startswith("#"):
+        asserts = line.startswith("static_assert") or asserts
+        if asserts or line.startswith("#"):
+            asserts = asserts and not line.rstrip().endswith(";")
             continue
         if re.match(r"\w.*[({,]$", line.rstrip()) and (named := re.search(r"(\w+)(?=\(|\[|\{| = \{)", line)):
             function = named[1]
