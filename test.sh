@@ -9,7 +9,7 @@ logs=build/test-logs
 mkdir -p "$logs"
 
 # The longest first. To add a stage, write stage_NAME and put its name here. The stage named first is shown last.
-stages=(native windows sources sanitize fuzz style)
+stages=(native windows sources sanitize release fuzz style)
 
 # The release programs of this machine.
 stage_native() {
@@ -37,6 +37,15 @@ stage_windows() {
     build windows
     wait "$wine"
     ctest --preset windows -j "$(nproc)"
+}
+
+# The release archives, made from two clones, and the programs in them.
+stage_release() {
+    if ! tools/setup.sh windows release; then
+        echo "Left out: the cross compiler, Wine or osslsigncode cannot be installed here."
+        return
+    fi
+    python3 -B tests/release/release.py
 }
 
 # A few seconds of each fuzz target.
@@ -82,7 +91,7 @@ fi
 # Several stages: each is a run of this script. One more than there are cores runs at a time, since the tests of the
 # Windows programs and of the roll-out mostly wait.
 [ $# -eq 0 ] || stages=("$@")
-tools/setup.sh test fuzz windows || tools/setup.sh test fuzz
+tools/setup.sh test fuzz windows release || tools/setup.sh test fuzz
 declare -A stage_of=() started=() heading=()
 failed=()
 
