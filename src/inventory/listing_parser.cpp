@@ -121,14 +121,24 @@ static void readBootVersion(HbaRecord* hba, const char* block) {
     hba->bootEnabled = readNumberKey(block, "Boot Enabled", 10);
 }
 
+// The image type of a .grp adapter. The tests nest, so the latest model of a line is tried first.
+static ImageType imageTypeOf(const HbaRecord* hba) {
+    if (isTamborAdapter(hba)) {
+        return isTamborT6Device(hba->deviceId) ? GRP_T6_IMAGE : GRP_IMAGE;
+    }
+    if (isCoralPlusSSecDevice(hba->deviceId)) {
+        return GRP_CORAL_PLUS_S_SEC_IMAGE;
+    }
+    return isCoralPlusDevice(hba->deviceId) ? GRP_CORAL_PLUS_IMAGE : GRP_CORAL_IMAGE;
+}
+
 void encodeAndUpdateFCVersion(HbaRecord* hba) {
     encodeCNAVersion(&hba->CNAMajorVer, &hba->CNAMinorVer, &hba->CNAReleaseVer, &hba->CNABuildVer,
                      sizeof hba->fwVersion, hba->fwVersion);
-    const AdapterFamily* family = familyOfDevice(hba->deviceId);
     CLUImage* firmware = &hba->fwImage;
-    if (family != nullptr) {
-        hba->imageType = family->imageType;
-        firmware->imageType = family->imageType;
+    if (isGrpAdapter(hba)) {
+        hba->imageType = imageTypeOf(hba);
+        firmware->imageType = hba->imageType;
         firmware->extType = GRP_EXTENSION_TYPE;
     }
     firmware->CNAMajorVer = hba->CNAMajorVer;

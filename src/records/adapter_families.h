@@ -1,5 +1,5 @@
-// The adapter families, and how ports and .grp images are assigned to them. A new family is a new row here; the
-// predicates on a device ID follow from the rows.
+// The adapter families, and how ports and .grp images are assigned to them. A new family is a new row here;
+// the predicates on a device ID read the rows.
 #pragma once
 
 #include <cstddef>
@@ -8,6 +8,15 @@
 // In the order of the two lines and, within a line, of the models: a later model has all that the earlier ones have.
 enum AdapterKind { KIND_TAMBOR, KIND_TAMBOR_T6, KIND_CORAL, KIND_CORAL_PLUS, KIND_CORAL_PLUS_S_SEC };
 
+// The image type of each family. The order is that of the images in the catalogue.
+enum ImageType : uint32_t {
+    GRP_IMAGE = 32,
+    GRP_T6_IMAGE = 64,
+    GRP_CORAL_IMAGE = 65,
+    GRP_CORAL_PLUS_IMAGE = 66,
+    GRP_CORAL_PLUS_S_SEC_IMAGE = 67,
+};
+
 // A second ASIC revision of a family, which refuses older firmware.
 struct NewerAsic {
     uint32_t revision;          // the lowest RevID of such a port; 0 = the family has no second revision
@@ -15,8 +24,8 @@ struct NewerAsic {
 };
 
 struct AdapterFamily {
-    uint32_t imageType;  // never 0
-    const char* name;    // in dumps
+    ImageType imageType;
+    const char* name;  // in dumps
     AdapterKind kind;
     uint32_t deviceIds[2];     // PCI device IDs of its ports; 0 = unused
     uint16_t signature;        // of its .grp images; 0 = the family has no images
@@ -26,35 +35,35 @@ struct AdapterFamily {
 
 // In the order in which an image header is tried against them.
 inline constexpr AdapterFamily adapterFamilies[] = {
-    {.imageType = 67,
+    {.imageType = GRP_CORAL_PLUS_S_SEC_IMAGE,
      .name = "GRP_CORAL_PLUS_S_SEC_IMAGE",
      .kind = KIND_CORAL_PLUS_S_SEC,
      .deviceIds = {0xF600},
      .signature = 0xF7A6,
      .magicNumbers = {0xFEAA0040, 0xFEAA0030},
      .newerAsic = {}},
-    {.imageType = 66,
+    {.imageType = GRP_CORAL_PLUS_IMAGE,
      .name = "GRP_CORAL_PLUS_IMAGE",
      .kind = KIND_CORAL_PLUS,
      .deviceIds = {0xF500},
      .signature = 0xF7A5,
      .magicNumbers = {0xFEAA0020, 0xFEAA0010},
      .newerAsic = {.revision = 0x11, .lowestVersion = {14, 4, 188, 1}}},
-    {.imageType = 65,
+    {.imageType = GRP_CORAL_IMAGE,
      .name = "GRP_CORAL_IMAGE",
      .kind = KIND_CORAL,
      .deviceIds = {0xF400},
      .signature = 0xF7A4,
      .magicNumbers = {0xFEAA0005},
      .newerAsic = {}},
-    {.imageType = 64,
+    {.imageType = GRP_T6_IMAGE,
      .name = "GRP_T6_IMAGE",
      .kind = KIND_TAMBOR_T6,
      .deviceIds = {0xE300},
      .signature = 0xF70C,
      .magicNumbers = {0xFEAA0003},
      .newerAsic = {}},
-    {.imageType = 32,
+    {.imageType = GRP_IMAGE,
      .name = "GRP_IMAGE",
      .kind = KIND_TAMBOR,
      .deviceIds = {0xE200, 0xE208},

@@ -1,6 +1,7 @@
 // The tables that the program decides by.
 #include <set>
 
+#include "inventory/listing_parser.h"
 #include "records/adapter_families.h"
 #include "selection/fw_matrix.h"
 #include "unit/fixture.h"
@@ -50,5 +51,16 @@ TEST(Tables, TheDeviceIdDecidesLineAndModel) {
         EXPECT_EQ(isCoralDevice(device.deviceId), device.coral);
         EXPECT_EQ(isCoralPlusDevice(device.deviceId), device.coralPlus);
         EXPECT_EQ(isCoralPlusSSecDevice(device.deviceId), device.coralPlusSSec);
+    }
+}
+
+TEST(Tables, PortsOfEachFamilyGetItsImageType) {
+    for (const AdapterFamily& family : adapterFamilies) {
+        for (uint32_t id : family.deviceIds) {
+            HbaRecord hba = {};
+            hba.deviceId = id;
+            encodeAndUpdateFCVersion(&hba);
+            EXPECT_EQ(hba.imageType, id == 0 ? 0U : family.imageType) << family.name;
+        }
     }
 }
