@@ -6,10 +6,10 @@
 set -euo pipefail
 cd "$(dirname "$0")"
 
-demo=${TARNLIFT_DEMO:-$PWD/build/demo}
+demo=$(realpath -m "${TARNLIFT_DEMO:-build/demo}")
 machine=$demo/server
 fleet=$demo/fleet
-bin=${TARNLIFT_BIN:-$PWD/build/native/bin}
+bin=$(realpath -m "${TARNLIFT_BIN:-build/native/bin}")
 
 build() {
     tools/setup.sh build
@@ -27,7 +27,7 @@ make_image() {
 
 # Puts the program, the simulated utility, its adapters, the table and the firmware files in place.
 set_up_machine() {
-    rm -rf "$demo"
+    rm -rf "$machine" "$fleet"
     mkdir -p "$machine/firmware" "$machine/temp"
     cp "$bin/tarnlift.exe" "$bin/winhbcfg.exe" "$machine/"
     cp simulator/adapters.sample.txt "$machine/adapters.txt"

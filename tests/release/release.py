@@ -41,7 +41,8 @@ class Release(unittest.TestCase):
         cls.place = Path(tempfile.mkdtemp(prefix="tarnlift-release-"))
         cls.addClassCleanup(shutil.rmtree, cls.place)
         cls.make_certificate()
-        cls.commit = output_of("git", "stash", "create", cwd=TOP).strip() or "HEAD"  # with changes that are not committed yet
+        changes = output_of("git", "stash", "create", cwd=TOP)  # a commit of what is not committed yet, if there is any
+        cls.commit = (changes or output_of("git", "rev-parse", "HEAD", cwd=TOP)).strip()
         cls.first = cls.clone("first")
         cls.second = cls.clone("a directory with a longer name/second")
         signing = ["--sign", "-certs", cls.place / "certificate.pem", "-key", cls.place / "key.pem"]
