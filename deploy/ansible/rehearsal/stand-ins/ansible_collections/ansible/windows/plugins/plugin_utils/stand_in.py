@@ -21,7 +21,7 @@ SIMULATION = {"adapters.txt", "calls.txt", "host"}  # belongs to the simulated a
 INHERITED = "O:S-1-5-21-1-2-3-1001G:DUD:AI(A;OICIID;FA;;;BA)(A;OICIID;FA;;;SY)(A;OICIID;0x1200a9;;;BU)"
 PROTECTED = "O:BAG:SYD:PAI(A;OICI;FA;;;SY)(A;OICI;FA;;;BA)"
 BELOW = {True: "O:BAG:SYD:AI(A;OICIID;FA;;;SY)(A;OICIID;FA;;;BA)", False: "O:BAG:SYD:AI(A;ID;FA;;;SY)(A;ID;FA;;;BA)"}
-# tarnlift-run.cmd on Linux. On Windows the report cannot be opened for writing while a process of the run has it open.
+# tarnlift-run.cmd on Linux. On Windows the report cannot be renamed while a process of the run has it open.
 START = 'mkdir run 2>/dev/null || exit 3; exec >run/report.xml; flock 1; "$@"; echo $? >run/code'
 WAIT = """
 for look in 1 2 3 4 5 6 7 8 9 10; do
@@ -135,6 +135,8 @@ class StandIn(ActionBase):
                 "changed": True, "stderr": ended.stderr.decode(errors="replace")}
 
     def slurp(self):
+        if not self.native(self.given["src"]).exists():
+            return {"failed": True, "msg": "file not found"}
         return {"content": base64.b64encode(self.native(self.given["src"]).read_bytes()).decode(), "encoding": "base64"}
 
     def win_ping(self):
