@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <unordered_map>
+#include <map>
 
 #include "records/port_outcome.h"
 
@@ -38,8 +38,9 @@ constexpr ClaimRow claimRows[] = {
     {OUTCOME_ACTIVATED, OUTCOME_ACTIVATED, Claim::DOWNLOADED},
 };
 
-// The ports of the query by WWN and place.
-using QueriedPorts = std::unordered_map<std::string, const ReportedPort*>;
+// Ports by WWN and place.
+using PortKey = std::pair<std::string_view, std::string_view>;
+using PortsByKey = std::map<PortKey, const ReportedPort*>;
 
 }  // namespace
 
@@ -79,13 +80,12 @@ static bool isSameVersion(std::string_view left, std::string_view right) {
     return versionNumbers(left) == versionNumbers(right);
 }
 
-static std::string keyOf(const ReportedPort& port) {
-    return port.wwn + ' ' + port.pci;
+static PortKey keyOf(const ReportedPort& port) {
+    return {port.wwn, port.pci};
 }
 
-static QueriedPorts portsByKey(const std::vector<ReportedPort>& ports) {
-    QueriedPorts byKey;
-    byKey.reserve(ports.size());
+static PortsByKey portsByKey(const std::vector<ReportedPort>& ports) {
+    PortsByKey byKey;
     for (const ReportedPort& port : ports) {
         byKey.emplace(keyOf(port), &port);
     }
@@ -210,8 +210,8 @@ static PortResult listedPortResult(const ReportedPort& port, Verdict verdict) {
 static std::vector<PortResult> judgeRun(const Evidence& evidence) {
     static const std::vector<ReportedPort> none;
     const std::vector<ReportedPort>& queryPorts = isUsable(evidence.query) ? evidence.query->ports : none;
-    const QueriedPorts queried = portsByKey(queryPorts);
-    const QueriedPorts run = portsByKey(evidence.run.ports);
+    const PortsByKey queried = portsByKey(queryPorts);
+    const PortsByKey run = portsByKey(evidence.run.ports);
     std::vector<PortResult> results;
     for (const ReportedPort& port : evidence.run.ports) {
         const auto found = queried.find(keyOf(port));

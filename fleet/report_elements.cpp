@@ -165,18 +165,21 @@ static unsigned childrenOf(Element parent) {
     return children;
 }
 
-// The values in the row's order; none when the attributes are not those of the row.
+// The values; none when the attributes are not those of the row, in its order.
 static std::optional<std::vector<std::string>> valuesFor(const ElementRow& row, const XmlAttributes& attributes) {
-    std::vector<std::string> values;
-    for (const std::string_view name : row.attributes) {
-        for (const auto& [attribute, value] : attributes) {
-            if (attribute == name && value.size() <= LONGEST_VALUE) {
-                values.push_back(shownText(value));
-            }
-        }
+    if (attributes.size() != row.attributes.size()) {
+        return std::nullopt;
     }
-    const bool fits = values.size() == row.attributes.size() && attributes.size() == row.attributes.size();
-    return fits ? std::optional(values) : std::nullopt;
+    std::vector<std::string> values;
+    values.reserve(attributes.size());
+    for (size_t i = 0; i < attributes.size(); i++) {
+        const auto& [name, value] = attributes[i];
+        if (name != row.attributes[i] || value.size() > LONGEST_VALUE) {
+            return std::nullopt;
+        }
+        values.push_back(shownText(value));
+    }
+    return values;
 }
 
 bool ReportVisitor::startElement(std::string_view name, const XmlAttributes& attributes) {

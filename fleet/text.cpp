@@ -82,7 +82,15 @@ static bool isUnshown(char32_t codePoint) {
     return false;
 }
 
+// Most texts are plain, which is found out fast.
+static bool isAscii(std::string_view text, char lowest) {
+    return std::all_of(text.begin(), text.end(), [&](char c) { return c >= lowest && c < '\x7F'; });
+}
+
 std::string fleet::shownText(std::string_view text) {
+    if (isAscii(text, ' ')) {
+        return std::string(text);
+    }
     std::string result;
     result.reserve(text.size());
     while (!text.empty()) {
@@ -94,6 +102,9 @@ std::string fleet::shownText(std::string_view text) {
 }
 
 static bool isUtf8(std::string_view text) {
+    if (isAscii(text, '\0')) {
+        return true;
+    }
     while (!text.empty()) {
         const Decoded next = decode(text);
         if (next.codePoint == REPLACEMENT && next.size == 1) {

@@ -1,14 +1,14 @@
 // Reads an XML document: by Expat on Linux, by the system's XmlLite on Windows.
 #pragma once
 
-#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 namespace fleet {
 
-using XmlAttributes = std::vector<std::pair<std::string, std::string>>;  // names with their values
+// Names with their values, in the order of the document. They last as long as the call that gets them.
+using XmlAttributes = std::vector<std::pair<std::string_view, std::string_view>>;
 
 // Receives the content of a document in its order. A function that returns false ends the reading.
 class XmlVisitor {

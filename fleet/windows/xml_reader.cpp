@@ -3,7 +3,9 @@
 #include <shlwapi.h>
 #include <xmllite.h>
 
+#include <list>
 #include <memory>
+#include <string>
 
 #include "text.h"
 #include "xml_reader.h"
@@ -61,10 +63,11 @@ static std::string textFrom(IXmlReader& reader, TextGetter getter) {
 static bool visitElement(IXmlReader& reader, XmlVisitor& visitor) {
     const std::string name = textFrom(reader, &IXmlReader::GetQualifiedName);
     const bool isEmpty = reader.IsEmptyElement() != FALSE;
+    std::list<std::string> texts;  // its elements stay where they are
     XmlAttributes attributes;
     for (HRESULT next = reader.MoveToFirstAttribute(); next == S_OK; next = reader.MoveToNextAttribute()) {
-        attributes.emplace_back(textFrom(reader, &IXmlReader::GetQualifiedName),
-                                textFrom(reader, &IXmlReader::GetValue));
+        const std::string& attribute = texts.emplace_back(textFrom(reader, &IXmlReader::GetQualifiedName));
+        attributes.emplace_back(attribute, texts.emplace_back(textFrom(reader, &IXmlReader::GetValue)));
     }
     return visitor.startElement(name, attributes) && (!isEmpty || visitor.endElement());
 }
