@@ -54,14 +54,16 @@ def anchors(document):
 
 
 class Guide(MachineTest):
+    commands = 0  # that were run
+
     def set_up_server(self):
         """The server that each chapter begins with: the sample adapters, table and firmware files."""
         images = re.findall(r"^\| `(.*?-(.*?)\.grp)` \| (\d+) \|", GUIDE.read_text(), re.M)
         self.place = self.machine(images=[(int(family), version, name) for name, version, family in images]).path
         os.chdir(self.place)
-        os.system(f"mkdir -p host/drives/c/temp; cp '{TOP}'/simulator/adapters.sample.txt adapters.txt; "
-                  f"cp '{TOP}'/share/fwmatrix.sample.txt fwmatrix.txt; cp '{BIN}'/mkgrp* '{TOP}'/share/examples/*.cmd .;"
-                  f"cp '{BIN}'/tarnfleet* tarnfleet.exe")
+        os.system(f"mkdir -p host/drives/c/temp; cp '{BIN}'/mkgrp* '{TOP}'/share/examples/*.cmd .; "
+                  f"cp '{TOP}'/simulator/adapters.sample.txt adapters.txt; cp '{BIN}'/tarnfleet* tarnfleet.exe; "
+                  f"cp '{TOP}'/share/fwmatrix.sample.txt fwmatrix.txt")
 
     def run_chapter(self, chapter):
         """The chapter as it would be if it showed what its commands print."""
@@ -86,6 +88,7 @@ class Guide(MachineTest):
         return step["prompt"] + "\n".join([step["command"], *lines]) + line_ends
 
     def run_command(self, prompt, command):
+        self.commands += 1
         command = re.sub("%ERRORLEVEL%", lambda _: str(self.done.returncode), command)
         if WINDOWS:
             self.done = wine("cmd", "/c", "set", "COMPUTERNAME=SERVER01&&", *command.split())
@@ -101,6 +104,7 @@ class Guide(MachineTest):
         if "--update" in sys.argv:
             GUIDE.write_text("".join(done))
             return
+        self.assertGreater(self.commands, 50, "the guide's commands are no longer found")
         for chapter, printed in zip(chapters, done):
             title = chapter.split("\n", 1)[0].lstrip("# ")
             difference = difflib.unified_diff(chapter.split("\n"), printed.split("\n"), "the guide shows",
@@ -110,7 +114,7 @@ class Guide(MachineTest):
 
     def test_the_links_of_all_documents_lead_somewhere(self):
         lost = []
-        for document in [*TOP.glob("*.md"), *TOP.glob("docs/*.md"), TOP / "bench/README.md", TOP / "deploy/ansible/README.md"]:
+        for document in [*TOP.glob("*.md"), *TOP.glob("docs/*.md"), *TOP.glob("bench/*.md"), *TOP.glob("deploy/*/*.md")]:
             for path, anchor in re.findall(r"\]\(([^)\s#]*)#?([^)\s]*)\)", document.read_text()):
                 target = document.parent / path if path else document
                 if not target.exists() or anchor and anchor not in anchors(target):
