@@ -114,7 +114,8 @@ class Guide(MachineTest):
 
     def test_the_links_of_all_documents_lead_somewhere(self):
         lost = []
-        for document in [*TOP.glob("*.md"), *TOP.glob("docs/*.md"), *TOP.glob("bench/*.md"), *TOP.glob("deploy/*/*.md")]:
+        patterns = ["*.md", "docs/*.md", "bench/*.md", "deploy/*/*.md"]
+        for document in [file for pattern in patterns for file in TOP.glob(pattern)]:
             for path, anchor in re.findall(r"\]\(([^)\s#]*)#?([^)\s]*)\)", document.read_text()):
                 target = document.parent / path if path else document
                 if not target.exists() or anchor and anchor not in anchors(target):
