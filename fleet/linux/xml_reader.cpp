@@ -11,17 +11,18 @@ namespace {
 struct Reading {
     XML_Parser parser;
     XmlVisitor& visitor;
+    bool isStopped;
 };
 
 }  // namespace
 
-static XmlVisitor& visitorOf(void* userData) {
-    return static_cast<const Reading*>(userData)->visitor;
-}
-
-static void stopUnless(bool goOn, void* userData) {
-    if (!goOn) {
-        XML_StopParser(static_cast<const Reading*>(userData)->parser, XML_FALSE);
+// Has the visitor look at a piece of the document. Expat still reports the end of an empty element after the reading was
+// stopped at its start; the visitor does not see that.
+template <typename Visit> static void visit(void* userData, Visit look) {
+    Reading& reading = *static_cast<Reading*>(userData);
+    if (!reading.isStopped && !look(reading.visitor)) {
+        reading.isStopped = true;
+        XML_StopParser(reading.parser, XML_FALSE);
     }
 }
 
@@ -30,20 +31,20 @@ static void startElement(void* userData, const char* name, const char** attribut
     for (; attributes[0] != nullptr; attributes += 2) {
         list.emplace_back(attributes[0], attributes[1]);
     }
-    stopUnless(visitorOf(userData).startElement(name, list), userData);
+    visit(userData, [&](XmlVisitor& visitor) { return visitor.startElement(name, list); });
 }
 
 static void endElement(void* userData, const char* /*name*/) {
-    stopUnless(visitorOf(userData).endElement(), userData);
+    visit(userData, [](XmlVisitor& visitor) { return visitor.endElement(); });
 }
 
 static void text(void* userData, const char* piece, int length) {
-    stopUnless(visitorOf(userData).text({piece, static_cast<size_t>(length)}), userData);
+    visit(userData, [&](XmlVisitor& visitor) { return visitor.text({piece, static_cast<size_t>(length)}); });
 }
 
 static void refuseDocumentType(void* userData, const char* /*name*/, const char* /*systemId*/, const char* /*publicId*/,
                                int /*hasInternalSubset*/) {
-    stopUnless(false, userData);
+    visit(userData, [](XmlVisitor& /*visitor*/) { return false; });
 }
 
 bool fleet::readXml(std::string_view document, XmlVisitor& visitor) {
@@ -52,7 +53,7 @@ bool fleet::readXml(std::string_view document, XmlVisitor& visitor) {
     if (parser == nullptr) {
         return false;
     }
-    Reading reading{parser.get(), visitor};
+    Reading reading{parser.get(), visitor, false};
     XML_SetUserData(parser.get(), &reading);
     XML_SetElementHandler(parser.get(), startElement, endElement);
     XML_SetCharacterDataHandler(parser.get(), text);

@@ -103,6 +103,7 @@ CASES = [
     Case("two-runs", {"xml": good + good}, "no-report", "several documents"),
     Case("entity", {"xml": good.replace(PROLOG, PROLOG + '<!DOCTYPE x [<!ENTITY e SYSTEM "file:///etc/hostname">]>')
                     .replace("a.grp", "&e;")}, "no-report"),
+    Case("empty-root", {"xml": PROLOG + "<Execution/></Execution>"}, "no-report", "as tarnlift.exe writes"),
     Case("other-element", {"xml": good.replace("<Message", "<Extra/><Message")}, "no-report"),
     Case("element-twice", {"xml": good.replace("<RebootRequired>", "<RebootRequired>0</RebootRequired><RebootRequired>")},
          "no-report"),
