@@ -40,7 +40,7 @@ constexpr ClaimRow claimRows[] = {
 
 // Ports by WWN and place.
 using PortKey = std::pair<std::string_view, std::string_view>;
-using PortsByKey = std::map<PortKey, const ReportedPort*>;
+using PortsByKey = std::multimap<PortKey, const ReportedPort*>;
 
 }  // namespace
 
@@ -90,6 +90,17 @@ static PortsByKey portsByKey(const std::vector<ReportedPort>& ports) {
         byKey.emplace(keyOf(port), &port);
     }
     return byKey;
+}
+
+// Takes a port out, the first one of those with this key; null when there is none left.
+static const ReportedPort* takePort(PortsByKey& ports, const PortKey& key) {
+    const auto found = ports.lower_bound(key);
+    if (found == ports.end() || found->first != key) {
+        return nullptr;
+    }
+    const ReportedPort* port = found->second;
+    ports.erase(found);
+    return port;
 }
 
 // Whether the query can be asked for what runs now. One that found no adapters can: it shows that all ports are gone.
@@ -209,24 +220,19 @@ static PortResult listedPortResult(const ReportedPort& port, Verdict verdict) {
 // The ports of the run; after them those that only the query has found.
 static std::vector<PortResult> judgeRun(const Evidence& evidence) {
     static const std::vector<ReportedPort> none;
-    const std::vector<ReportedPort>& queryPorts = isUsable(evidence.query) ? evidence.query->ports : none;
-    const PortsByKey queried = portsByKey(queryPorts);
-    const PortsByKey run = portsByKey(evidence.run.ports);
+    PortsByKey queried = portsByKey(isUsable(evidence.query) ? evidence.query->ports : none);
     std::vector<PortResult> results;
     for (const ReportedPort& port : evidence.run.ports) {
-        const auto found = queried.find(keyOf(port));
-        results.push_back(runPortResult(port, found == queried.end() ? nullptr : found->second, evidence));
+        results.push_back(runPortResult(port, takePort(queried, keyOf(port)), evidence));
     }
-    for (const ReportedPort& port : queryPorts) {
-        if (!run.contains(keyOf(port))) {
-            results.push_back(listedPortResult(port, {State::LISTED, "only the query lists the port"}));
-        }
+    for (const auto& [key, port] : queried) {
+        results.push_back(listedPortResult(*port, {State::LISTED, "only the query lists the port"}));
     }
     return results;
 }
 
 std::vector<PortResult> fleet::judgePorts(const Evidence& evidence) {
-    if (evidence.run.kind == ReportKind::EXECUTION) {
+    if (evidence.run.kind == ReportKind::EXECUTION || evidence.run.kind == ReportKind::NO_ADAPTERS) {
         return judgeRun(evidence);
     }
     std::vector<PortResult> results;

@@ -112,7 +112,7 @@ static bool readStatus(Values values, Report& report) {
     const auto status = readNumber(values[0], 0, OUTCOME_COUNT - 1);
     report.ports.back().status = static_cast<int>(status.value_or(0));
     report.ports.back().message = values[1];
-    return status.has_value();
+    return status.has_value() && !values[1].empty();
 }
 
 static bool readMessage(Values values, Report& report) {

@@ -52,7 +52,7 @@ static Report readPlainText(std::string_view text) {
 
 static bool isCutOff(std::string_view text) {
     return std::none_of(std::begin(ROOT_ENDS), std::end(ROOT_ENDS),
-                        [&](std::string_view end) { return trimmed(text).ends_with(end); });
+                        [&](std::string_view end) { return text.rfind(end) != std::string_view::npos; });
 }
 
 static Report withoutDocument(std::string_view fault) {

@@ -62,6 +62,7 @@ CASES = [
     Case("liar", run(done, query=[old]), "not-installed not-installed", f"shows {OLD}, not {NEW}"),
     Case("version-beyond-text", run(done, query=[done.running("14.4.1.10")]), "not-installed not-installed"),
     Case("port-gone", run(done, second, query=[now]), "not-installed updated not-installed", "does not list the port"),
+    Case("same-key", run(done, done, query=[now, old]), "not-installed updated not-installed"),
     Case("port-moved", run(done, query=[Port(pci="3C:0.0", before=NEW)]), "not-installed not-installed listed"),
     Case("all-gone", {**run(done), "query.xml": no_adapters}, "not-installed not-installed"),
     Case("current", run(current, code=1, query=[now]), "current current"),
@@ -93,6 +94,7 @@ CASES = [
     Case("unlisted", run(unlisted, code=7), "skipped skipped", "No fwmatrix.txt model entry"),
     Case("listed", {"xml": inventory(done, second), "code": "0"}, "listed listed listed"),
     Case("no-adapters", {"xml": no_adapters}, "no-adapters"),
+    Case("adapters-after-all", {"xml": no_adapters, "query.xml": inventory(now)}, "listed listed", "only the query"),
     Case("no-adapters-by-code", {"code": "5"}, "no-adapters"),
     # What is no report.
     Case("empty", {"xml": "", "code": "5"}, "no-report", "is empty"),
@@ -100,6 +102,7 @@ CASES = [
     Case("help", {"xml": "Velmar Tarnlift\n\nUsage: ...\n", "code": "0"}, "no-report", "plain text: Velmar Tarnlift"),
     Case("verbose", {"xml": "Download Summary:\n" + good}, "no-report", "as /v prints it"),
     Case("text-inside", {"xml": good.replace("<Message", "Download Summary: <Message")}, "no-report", "as tarnlift.exe writes"),
+    Case("text-after", {"xml": good + "cmd.exe: access denied"}, "no-report", "as tarnlift.exe writes"),
     Case("two-runs", {"xml": good + good}, "no-report", "several documents"),
     Case("entity", {"xml": good.replace(PROLOG, PROLOG + '<!DOCTYPE x [<!ENTITY e SYSTEM "file:///etc/hostname">]>')
                     .replace("a.grp", "&e;")}, "no-report"),
