@@ -12,7 +12,8 @@ using namespace fleet;
 
 namespace {
 
-constexpr size_t LONGEST_NAME = 24;  // a longer name is cut on a terminal
+constexpr size_t LONGEST_NAME = 24;    // a longer name is cut on a terminal
+constexpr size_t LONGEST_COLUMN = 64;  // elsewhere a longer name stays whole, and its row leaves the columns
 constexpr size_t STATE_WIDTH = 13;
 constexpr size_t CODE_WIDTH = 5;
 constexpr size_t COUNT_WIDTH = 7;
@@ -29,7 +30,7 @@ struct Count {
 struct Layout {
     Terminal terminal;
     size_t nameWidth;
-    size_t reasonWidth;
+    size_t restWidth;  // of the return code and the reason
 };
 
 }  // namespace
@@ -85,11 +86,12 @@ static Layout chooseLayout(const std::vector<ServerResult>& servers) {
     for (const ServerResult& server : servers) {
         layout.nameWidth = std::max(layout.nameWidth, lengthOf(server.name));
     }
+    layout.nameWidth = std::min(layout.nameWidth, layout.terminal.isTerminal ? LONGEST_NAME : LONGEST_COLUMN);
     if (layout.terminal.isTerminal) {
-        layout.nameWidth = std::min(layout.nameWidth, LONGEST_NAME);
         // The last column stays free: some terminals begin a new line there.
-        const size_t used = layout.nameWidth + STATE_WIDTH + CODE_WIDTH + 3 * GAP.size() + 1;
-        layout.reasonWidth = std::max(LEAST_REASON, layout.terminal.columns - std::min(used, layout.terminal.columns));
+        const size_t used = layout.nameWidth + STATE_WIDTH + 2 * GAP.size() + 1;
+        const size_t left = layout.terminal.columns - std::min(used, layout.terminal.columns);
+        layout.restWidth = std::max(CODE_WIDTH + GAP.size() + LEAST_REASON, left);
     }
     return layout;
 }
@@ -114,10 +116,10 @@ static std::string serverRows(const std::vector<ServerResult>& servers, const La
     for (const ServerResult& server : servers) {
         const std::string name = layout.terminal.isTerminal ? cutText(server.name, layout.nameWidth) : server.name;
         const std::string code = server.code ? std::to_string(*server.code) : "-";
-        const std::string reason = server.reasons.empty() ? portSummary(server) : reasonText(server);
+        std::string rest = padLeft(code, CODE_WIDTH).append(GAP);
+        rest += server.reasons.empty() ? portSummary(server) : reasonText(server);
         text.append(padded(name, layout.nameWidth)).append(GAP).append(stateCell(server.state, layout));
-        text.append(GAP).append(padLeft(code, CODE_WIDTH)).append(GAP);
-        text.append(limited(reason, layout.reasonWidth)).append("\n");
+        text.append(GAP).append(limited(rest, layout.restWidth)).append("\n");
     }
     return text;
 }

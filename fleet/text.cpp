@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <span>
 
 using namespace fleet;
 
@@ -26,6 +27,18 @@ struct CodePointRange {
 constexpr CodePointRange unshown[] = {
     {0x00, 0x1F},     {0x7F, 0x9F},     {0x061C, 0x061C}, {0x200B, 0x200F},   {0x2028, 0x202E},
     {0x2060, 0x206F}, {0xFEFF, 0xFEFF}, {0xFFF9, 0xFFFB}, {0xE0000, 0xE007F},
+};
+
+// What takes two columns on a terminal: the letters and signs of East Asia, and pictures.
+constexpr CodePointRange wide[] = {
+    {0x1100, 0x115F},   {0x2E80, 0x303E},   {0x3041, 0xA4CF},   {0xA960, 0xA97C}, {0xAC00, 0xD7A3},
+    {0xF900, 0xFAFF},   {0xFE30, 0xFE6F},   {0xFF01, 0xFF60},   {0xFFE0, 0xFFE6}, {0x1F300, 0x1F64F},
+    {0x1F680, 0x1F6FF}, {0x1F900, 0x1F9FF}, {0x20000, 0x3FFFD},
+};
+
+// What takes none: marks that join the letter before them.
+constexpr CodePointRange combining[] = {
+    {0x0300, 0x036F}, {0x1AB0, 0x1AFF}, {0x1DC0, 0x1DFF}, {0x20D0, 0x20FF}, {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F},
 };
 
 }  // namespace
@@ -73,8 +86,8 @@ static void append(std::string& text, char32_t codePoint) {
     }
 }
 
-static bool isUnshown(char32_t codePoint) {
-    for (const CodePointRange& range : unshown) {
+static bool isIn(std::span<const CodePointRange> ranges, char32_t codePoint) {
+    for (const CodePointRange& range : ranges) {
         if (codePoint >= range.first && codePoint <= range.last) {
             return true;
         }
@@ -95,7 +108,7 @@ std::string fleet::shownText(std::string_view text) {
     result.reserve(text.size());
     while (!text.empty()) {
         const Decoded next = decode(text);
-        append(result, isUnshown(next.codePoint) ? REPLACEMENT : next.codePoint);
+        append(result, isIn(unshown, next.codePoint) ? REPLACEMENT : next.codePoint);
         text.remove_prefix(next.size);
     }
     return result;
@@ -228,12 +241,21 @@ std::string fleet::lowerCase(std::string_view text) {
     return result;
 }
 
-static bool beginsCodePoint(char byte) {
-    return (static_cast<uint8_t>(byte) & 0xC0U) != 0x80;
+static size_t columnsOf(char32_t codePoint) {
+    return isIn(combining, codePoint) ? 0 : isIn(wide, codePoint) ? 2 : 1;
 }
 
 size_t fleet::lengthOf(std::string_view text) {
-    return static_cast<size_t>(std::count_if(text.begin(), text.end(), beginsCodePoint));
+    if (isAscii(text, ' ')) {
+        return text.size();
+    }
+    size_t length = 0;
+    while (!text.empty()) {
+        const Decoded next = decode(text);
+        length += columnsOf(next.codePoint);
+        text.remove_prefix(next.size);
+    }
+    return length;
 }
 
 std::string fleet::cutText(std::string_view text, size_t length) {
@@ -241,14 +263,15 @@ std::string fleet::cutText(std::string_view text, size_t length) {
     if (lengthOf(text) <= length) {
         return std::string(text);
     }
-    std::string result;
-    size_t kept = 0;
-    for (const char byte : text) {
-        kept += beginsCodePoint(byte) ? 1 : 0;
-        if (kept + ellipsis.size() > length) {
+    size_t size = 0;
+    size_t used = 0;
+    while (size < text.size()) {
+        const Decoded next = decode(text.substr(size));
+        used += columnsOf(next.codePoint);
+        if (used + ellipsis.size() > length) {
             break;
         }
-        result += byte;
+        size += next.size;
     }
-    return result.append(ellipsis);
+    return std::string(text.substr(0, size)).append(ellipsis);
 }

@@ -40,10 +40,10 @@ std::optional<int64_t> readNumber(std::string_view text, int64_t smallest, int64
 // The text with A to Z as a to z.
 std::string lowerCase(std::string_view text);
 
-// How many code points a well-formed UTF-8 text has: its columns on a terminal, nearly.
+// How many columns a shown text takes on a terminal.
 size_t lengthOf(std::string_view text);
 
-// The first `length` code points of a well-formed text; with "..." as the last three when it has more.
+// A shown text, cut to `length` columns; with "..." as the last three when it has more.
 std::string cutText(std::string_view text, size_t length);
 
 }  // namespace fleet
