@@ -14,10 +14,16 @@ static std::string numberText(const std::optional<int>& number) {
     return number ? std::to_string(*number) : "";
 }
 
-// A value from outside. Spreadsheets run what begins like a formula, in quotation marks or not.
+// A value from outside. Spreadsheets run what begins like a formula, in quotation marks or not; an apostrophe keeps it a
+// text. Where a comma is the decimal sign, they split rows at semicolons, so a formula can begin there, too.
 static std::string field(std::string_view value) {
-    std::string text(value.find_first_of("=+-@") == 0 ? "'" : "");
-    text += value;
+    std::string text;
+    char last = ';';
+    for (const char c : value) {
+        const bool beginsFormula = last == ';' && std::string_view("=+-@").find(c) != std::string_view::npos;
+        text.append(beginsFormula ? "'" : "").append(1, c);
+        last = c == '"' ? last : c;
+    }
     if (text.find_first_of(",\"") == std::string::npos) {
         return text;
     }

@@ -16,10 +16,10 @@ const CSV_COLUMNS = {
   message: (server, port) => port.reason || port.message || (server.ports.length ? "" : server.reason),
 };
 
-// A spreadsheet takes a text that begins like a formula for one; an apostrophe keeps it a text. A minus sign of a
-// number is just that.
+// A spreadsheet takes a text that begins like a formula for one; an apostrophe keeps it a text. Some split rows at
+// semicolons. A minus sign of a number is just that.
 function csvField(value) {
-  const text = typeof value === "string" && /^[=+@-]/.test(value) ? `'${value}` : String(value ?? "");
+  const text = typeof value === "string" ? value.replaceAll(/(^|;)"*(?=[=+@-])/g, "$&'") : String(value ?? "");
   return /[",\r\n]/.test(text) ? `"${text.replaceAll('"', '""')}"` : text;
 }
 

@@ -113,10 +113,10 @@ class Directory(Fleet):
         self.assertEqual([(row["server"], row["return_code"]) for row in self.rows(self.path)], [("SRV1", "3")])
 
     def test_hostile_texts_cannot_leave_their_place(self):
-        markup, formula = '</script><!--<script>"&\u2028\u202e\u200f', '=HYPERLINK("x","y")'
+        markup, formula = '</script><!--<script>"&\u2028\u202e\u200f', '=HYPERLINK("x";-1)'
         write_server(self.path, "srv", execution(Port(model=markup, file=formula, before="\u0085-1\t\n")))
         row = self.rows(self.path)[0]
-        self.assertEqual((row["model"], row["image_file"]), ('</script><!--<script>"&' + "\ufffd" * 3, "'" + formula))
+        self.assertEqual((row["model"], row["image_file"]), ('</script><!--<script>"&' + "\ufffd" * 3, "'" + formula.replace(";", ";'")))
         self.assertEqual(row["version_before"], "\ufffd-1  ")  # XML itself turns a tab and a line end into blanks
         self.assertEqual(self.page(self.path)["servers"][0]["ports"][0]["model"], row["model"])
         raw = DATA.search((self.path / "fleet.html").read_text(encoding="utf-8"))[1]
