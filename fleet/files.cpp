@@ -82,6 +82,11 @@ std::string fleet::writeFile(const fs::path& path, std::string_view content) {
     if (!file) {
         return "the directory does not take a new file";
     }
+#ifndef _WIN32  // there a new file has the rights of its directory
+    if (fs::exists(status)) {
+        fs::permissions(temporary, status.permissions(), error);
+    }
+#endif
     file.write(content.data(), static_cast<std::streamsize>(content.size()));
     file.close();
     error.clear();

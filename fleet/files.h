@@ -28,8 +28,8 @@ inline constexpr size_t TEXT_FILE_LIMIT = size_t{8} * 1024 * 1024;
 FileContent readTextFile(const std::filesystem::path& path);
 
 // Replaces or makes a file, as a whole or not at all: the content is written under another name in the same directory
-// first. Replaces regular files only; a symbolic link stays, and its target is replaced. Returns an empty text, or what
-// went wrong.
+// first. Replaces regular files only; a symbolic link stays, and its target is replaced. On Linux the permissions stay.
+// Returns an empty text, or what went wrong.
 std::string writeFile(const std::filesystem::path& path, std::string_view content);
 
 }  // namespace fleet

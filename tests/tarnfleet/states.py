@@ -145,8 +145,10 @@ class Directory(Fleet):
         (self.path / "folder").mkdir()
         os.symlink("fleet.csv", self.path / "link.csv")
         (self.path / "fleet.csv").write_text("old")
+        (self.path / "fleet.csv").chmod(0o600)
         self.assertEqual(tarnfleet("csv", self.path, "-o", self.path / "link.csv")[0], 0)
         self.assertTrue((self.path / "link.csv").is_symlink())
+        self.assertEqual((self.path / "fleet.csv").stat().st_mode & 0o777, 0o600)
         written = (self.path / "fleet.csv").read_text()
         limited = subprocess.run(["bash", "-c", 'ulimit -f 0; trap "" XFSZ; exec "$@"', "-", *PROGRAM, "csv", self.path, "-o",
                                   self.path / "fleet.csv"], capture_output=True)
