@@ -6,7 +6,11 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-export seconds=${1:?how many seconds for each target?}
+if ! [[ ${1:-} =~ ^[0-9]+$ ]]; then
+    echo "Usage: tools/fuzz.sh SECONDS [TARGET ...]" >&2
+    exit 2
+fi
+export seconds=$1
 shift
 targets=("$@")
 [ $# -gt 0 ] || mapfile -t targets < <(basename -a tests/fuzz/seeds/*)
