@@ -18,6 +18,7 @@ Usage: tarnfleet status DIR [--servers FILE]
                        NAME.code        the return code of the run
                        NAME.rebooted    any content: the server was restarted
                                         between run and query
+                       NAME.refused     why a plan or the role made no report
                      Only NAME.xml is needed.
     --servers FILE   the names of the servers that were to report, one a line
 
