@@ -21,7 +21,7 @@ void appendFormat(char* out, size_t size, const char* format, ...) {
     va_end(arguments);
 }
 
-void copyPiece(char* out, size_t size, const char* text, size_t length) {
+void copyPrefix(char* out, size_t size, const char* text, size_t length) {
     if (length > size - 1) {
         length = size - 1;
     }
@@ -30,7 +30,7 @@ void copyPiece(char* out, size_t size, const char* text, size_t length) {
 }
 
 void copyText(char* out, size_t size, const char* text) {
-    copyPiece(out, size, text, strlen(text));
+    copyPrefix(out, size, text, strlen(text));
 }
 
 void appendText(char* out, size_t size, const char* text) {

@@ -17,8 +17,8 @@ void appendFormat(char* out, size_t size, const char* format, ...) PRINTF_LIKE(3
 // Copies `text` into `out`.
 void copyText(char* out, size_t size, const char* text);
 
-// Copies the `length` bytes at `text` into `out`.
-void copyPiece(char* out, size_t size, const char* text, size_t length);
+// Copies the first `length` bytes of `text` into `out`.
+void copyPrefix(char* out, size_t size, const char* text, size_t length);
 
 // Appends `text` to the text in `out`.
 void appendText(char* out, size_t size, const char* text);

@@ -114,7 +114,7 @@ int GetTamborBuildString(char* version, const GrpHeader* header) {
         status = RM_STATUS_ERROR;
         length = 0;
     }
-    copyPiece(version, DECODED_VERSION_SIZE, header->buildString, length);
+    copyPrefix(version, DECODED_VERSION_SIZE, header->buildString, length);
     printDbg("GRP GetTamborBuildString = %s\n", version);
     return status;
 }

@@ -27,7 +27,7 @@ int getAttribute(const char* block, const char* key, char* out, size_t size, cha
     if (value != nullptr) {
         value++;
         value += strspn(value, " ");
-        copyPiece(out, size, value, strcspn(value, "\n\r ,;"));
+        copyPrefix(out, size, value, strcspn(value, "\n\r ,;"));
     }
     if (value == nullptr || out[0] == '\0') {
         copyText(out, size, WORD_NOT_AVAILABLE);
@@ -170,7 +170,7 @@ static void addPort(const char* start, size_t length) {
         printDbg("Unable to allocate hbaBuffer of size %d\n", static_cast<int>(length + 1));
         return;
     }
-    copyPiece(block, length + 1, start, length);
+    copyPrefix(block, length + 1, start, length);
     HbaRecord* hba = allocHba(1);
     if (hba != nullptr) {
         readPort(hba, block);

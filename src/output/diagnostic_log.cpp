@@ -54,7 +54,7 @@ bool readWwpn(const char* text, uint8_t wwpn[8]) {
     }
     for (size_t i = 0; i < 8; i++) {
         char pair[3];
-        copyPiece(pair, sizeof pair, text + 3 * i, 2);
+        copyPrefix(pair, sizeof pair, text + 3 * i, 2);
         wwpn[i] = static_cast<uint8_t>(parseUnsigned(pair, 16));
     }
     return true;
@@ -91,11 +91,11 @@ static void parseSettingLine(const char* line, uint32_t* number) {
     if (line[0] == '/' || length == 0) {
         return;
     }
-    copyPiece(token, sizeof token, line, length);
+    copyPrefix(token, sizeof token, line, length);
     upperCaseInPlace(token);
     line += length;
     line += strspn(line, "= \t");
-    copyPiece(value, sizeof value, line, strcspn(line, " \t\n"));
+    copyPrefix(value, sizeof value, line, strcspn(line, " \t\n"));
     readSettingNumber(value, number);
     storeSetting(token, value, *number);
 }

@@ -44,14 +44,14 @@ int encodeCNAVersion(uint32_t* major, uint32_t* minor, uint32_t* release, uint32
         while (text < end && *text == '.') {
             text++;
         }
-        const char* piece = text;
+        const char* component = text;
         while (text < end && *text != '.') {
             text++;
         }
-        if (piece == text) {
+        if (component == text) {
             return VERSION_NOT_ENCODED;
         }
-        *number = readDigits(piece, static_cast<size_t>(text - piece));
+        *number = readDigits(component, static_cast<size_t>(text - component));
         if (number == major && *major == 3) {
             *major = 2;
         }

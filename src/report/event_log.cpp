@@ -122,7 +122,7 @@ void reportNotRequiredEvent(const char* portWwn, const char* fileName, const cha
     reportByForm(notRequiredForm, {portWwn, version, fileName, reason, status, sfjByte});
 }
 
-uint8_t sfjByteOf(const HbaRecord* hba) {
+uint8_t sfjLowByte(const HbaRecord* hba) {
     return static_cast<uint8_t>(hba->sfj & 0xFF);
 }
 

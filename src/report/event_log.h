@@ -15,7 +15,7 @@ enum EventKind : uint32_t {
 };
 
 // The byte of the port's secure firmware state that events carry.
-uint8_t sfjByteOf(const HbaRecord* hba);
+uint8_t sfjLowByte(const HbaRecord* hba);
 
 // The reporters. `version` is what the port runs now, `status` a PortOutcome. A `sfjByte` of 0 adds the note that
 // secure firmware is disabled. `fileName` is reported without its directory.

@@ -54,7 +54,7 @@ static SafeText safeText(const char* value) {
         if (entity != nullptr) {
             copyText(safe.text + used, sizeof safe.text - used, entity);
         } else {
-            copyPiece(safe.text + used, sizeof safe.text - used, value, length);
+            copyPrefix(safe.text + used, sizeof safe.text - used, value, length);
         }
         used += strlen(safe.text + used);
         value += length == 0 ? 1 : length;

@@ -73,7 +73,7 @@ static SwitchResult parseValue(char* argument, size_t wordLength, const char* sw
     if (*value == '\0') {
         return refuseMissingValue(switchName);
     }
-    copyPiece(field, size, value, strcspn(value, "="));
+    copyPrefix(field, size, value, strcspn(value, "="));
     return SWITCH_ACCEPTED;
 }
 

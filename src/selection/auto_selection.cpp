@@ -36,7 +36,7 @@ static CLUImage* firstCandidate(const HbaRecord* hba) {
 static void sendNotRequiredEvent(HbaRecord* hba, const CLUImage* image) {
     setNotRequiredReason(&hba->eventReason);
     reportNotRequiredEvent(hba->portWwn, image->filename, hba->fwImage.decodedVersion, hba->eventReason,
-                           hba->fwDownloadStatus, sfjByteOf(hba));
+                           hba->fwDownloadStatus, sfjLowByte(hba));
 }
 
 // The end of a port that no image fits: `message` under /v, and the event.
@@ -46,7 +46,7 @@ static void explainNoCandidate(HbaRecord* hba, const char* message) {
     }
     hba->eventReason = "No compatible firmware image found.";
     reportNoCompatibleImageEvent(hba->portWwn, hba->fwImage.decodedVersion, hba->eventReason, hba->fwDownloadStatus,
-                                 sfjByteOf(hba));
+                                 sfjLowByte(hba));
 }
 
 // /ff, /update and /rewrite look at the highest image and at no other.

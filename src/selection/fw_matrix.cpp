@@ -99,7 +99,7 @@ void verifyFWmatrixEntries() {
             continue;
         }
         size_t length = checkedTokenLength(line);
-        copyPiece(token, sizeof token, line, length);
+        copyPrefix(token, sizeof token, line, length);
         if (length < sizeof token && lookupFwMatrixModel(token, shortCode) == 0) {
             printDbg("Found known fwmatrix.txt entry   = %s\n", token);
             continue;
@@ -120,7 +120,7 @@ static const char* copyToken(const char* line, char out[MATRIX_TOKEN_SIZE]) {
     } else if (length >= MATRIX_TOKEN_SIZE) {
         copyText(out, MATRIX_TOKEN_SIZE, WORD_INVALID_FILE);
     } else {
-        copyPiece(out, MATRIX_TOKEN_SIZE, line, length);
+        copyPrefix(out, MATRIX_TOKEN_SIZE, line, length);
     }
     return line + length;
 }

@@ -70,7 +70,7 @@ void setNotRequiredReason(const char** reason) {
 // Sends the event that the port's eventKind asks for.
 static void sendPortEvent(HbaRecord* hba, const char* fwFile) {
     const char* version = hba->fwImage.decodedVersion;
-    const uint8_t sfjByte = sfjByteOf(hba);
+    const uint8_t sfjByte = sfjLowByte(hba);
     switch (hba->eventKind) {
     case EVENT_NO_IMAGE:
         reportNoImageEvent(hba->portWwn, version, hba->eventReason, hba->fwDownloadStatus, sfjByte);

@@ -43,7 +43,7 @@ static const char* readOutputFile(Command* command, const char* text, char** sto
     text += strspn(text, " ");
     size_t length = strcspn(text, " ");
     command->outputFile = *store;
-    copyPiece(*store, length + 1, text, length);
+    copyPrefix(*store, length + 1, text, length);
     *store += length + 1;
     return text + length;
 }
@@ -93,7 +93,7 @@ static bool readCommandLine(Command* command, const char* commandLine) {
     size_t length = strcspn(line + 1, "\"");
     const char* rest = line + 1 + length;
     command->program = command->storage;
-    copyPiece(command->storage, COMMAND_SIZE, line + 1, length);
+    copyPrefix(command->storage, COMMAND_SIZE, line + 1, length);
     command->outputFile = nullptr;
     readArguments(command, *rest == '"' ? rest + 1 : rest, command->storage + length + 1);
     return true;
