@@ -27,6 +27,7 @@ add_role() {
             "xmllint libxml2-utils"
             "chromium chromium"
             "chromedriver chromium-driver"
+            "/usr/share/fonts/truetype/liberation fonts-liberation"
             "pdftotext poppler-utils"
             "/usr/lib/python3/dist-packages/selenium python3-selenium"
             "/usr/lib/python3/dist-packages/ansible_collections/ansible/windows ansible"
