@@ -14,8 +14,12 @@ set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 many=0
 if [ "${1:-}" = --hosts ]; then
-    many=$2
+    many=${2:?how many?}
     shift 2
+fi
+if [[ ${1:-} == -* ]]; then
+    echo "Usage: run.sh [--hosts N] [BIN-DIRECTORY [DIRECTORY]]" >&2
+    exit 2
 fi
 top=$(realpath "$here/../../..")
 bin=$top/build/native/bin
