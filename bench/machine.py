@@ -30,7 +30,7 @@ def block(number, padding):
 
 
 def listing(ports, size):
-    """The padding stands at the front of each block, where each look for a key has to pass it."""
+    """The padding is at the start of each block, so that each search for a key has to pass it."""
     plain = sum(len(block(number, "")) for number in range(ports))
     lines = max(0, size - plain) // (ports * len(PADDING))
     return "".join(block(number, lines * PADDING) for number in range(ports))

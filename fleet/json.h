@@ -1,4 +1,4 @@
-// Writes JSON that may also stand inside a script element of an HTML page.
+// Writes JSON that is also safe inside a script element of an HTML page.
 #pragma once
 
 #include <cstdint>
